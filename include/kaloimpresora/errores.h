@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <cstdint>
+#include <exception>
+
+namespace kalo {
+
+// Error numbers of the automation runtime that this component raises.
+namespace err {
+inline constexpr int32_t kLlamadaNoValida = 5;
+inline constexpr int32_t kDesbordamiento = 6;
+inline constexpr int32_t kSubindiceFueraDeIntervalo = 9;
+inline constexpr int32_t kDivisionPorCero = 11;
+inline constexpr int32_t kTiposNoCoinciden = 13;
+inline constexpr int32_t kArchivoNoEncontrado = 53;
+inline constexpr int32_t kObjetoNoEstablecido = 91;
+inline constexpr int32_t kUsoNoValidoDeNull = 94;
+inline constexpr int32_t kValorDePropiedadNoValido = 380;
+inline constexpr int32_t kSeRequiereObjeto = 424;
+inline constexpr int32_t kNoPuedeCrearObjeto = 429;
+inline constexpr int32_t kNoAdmitePropiedadOMetodo = 438;
+inline constexpr int32_t kNoAdmiteAccion = 445;
+inline constexpr int32_t kArgumentoConNombreNoEncontrado = 448;
+inline constexpr int32_t kArgumentoNoOpcional = 449;
+inline constexpr int32_t kNumeroDeArgumentosErroneo = 450;
+inline constexpr int32_t kErrorDeImpresora = 482;
+}  // namespace err
+
+// The runtime's Spanish description for an error number; a generic text for
+// numbers it does not know.
+QString DescripcionDeError(int32_t numero);
+
+// Every failure leaves the component as one of these, carrying the runtime's
+// error number and description, like an automation error would.
+class ErrorDeAutomatizacion : public std::exception {
+public:
+    explicit ErrorDeAutomatizacion(int32_t numero, QString origen = {});
+    ErrorDeAutomatizacion(int32_t numero, QString descripcion, QString origen);
+
+    int32_t numero() const noexcept { return numero_; }
+    const QString& descripcion() const noexcept { return descripcion_; }
+    const QString& origen() const noexcept { return origen_; }
+    const char* what() const noexcept override { return what_.constData(); }
+
+private:
+    int32_t numero_;
+    QString descripcion_;
+    QString origen_;
+    QByteArray what_;
+};
+
+[[noreturn]] void Lanza(int32_t numero, const QString& origen = {});
+
+// Error 445 for a member whose feature this build does not offer yet.
+[[noreturn]] void LanzaNoDisponible(const QString& miembro, const QString& origen);
+
+}  // namespace kalo

@@ -1,0 +1,218 @@
+#pragma once
+
+// Describes a dual interface member by member (name, dispatch id, kind,
+// parameters) and carries out calls against it, so binding by name and by id
+// always reach the same member with the same argument rules.
+
+#include <QHash>
+#include <QString>
+#include <functional>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "kaloimpresora/automatizacion.h"
+
+namespace kalo {
+
+enum class TipoDato { Variante, Booleano, Entero, Largo, Doble, Fecha, Texto, Objeto, ParamData, Ninguno };
+
+enum class ClaseDeMiembro {
+    PropiedadValor,   // get and let
+    PropiedadObjeto,  // get and set
+    Metodo,
+};
+
+struct Parametro {
+    QString nombre;
+    TipoDato tipo = TipoDato::Variante;
+    bool porReferencia = false;
+    bool opcional = false;
+    // Default of an optional; without one an omitted optional arrives as
+    // Variant::Falta() (a typed one as its type's zero value).
+    std::optional<Variant> omision;
+};
+
+// The value a typed slot takes: the runtime's conversion for the type. Object
+// slots demand an object (Nothing included), raising 13 otherwise.
+Variant Coacciona(const Variant& valor, TipoDato tipo);
+
+// The zero value of a type: false, 0, "" or Nothing; Falta for a variant.
+Variant ValorInicial(TipoDato tipo);
+
+// Typed fields to and from variants already converted by Coacciona.
+Variant AVariant(bool b, TipoDato);
+Variant AVariant(int16_t i, TipoDato);
+Variant AVariant(int32_t i, TipoDato);
+Variant AVariant(double d, TipoDato tipo);  // Doble or Fecha
+Variant AVariant(const QString& s, TipoDato);
+Variant AVariant(const std::shared_ptr<Objeto>& o, TipoDato);
+template <class T>
+    requires std::is_convertible_v<std::shared_ptr<T>, std::shared_ptr<Objeto>>
+Variant AVariant(const std::shared_ptr<T>& o, TipoDato) {
+    return Variant(std::shared_ptr<Objeto>(o));
+}
+
+void DeVariant(const Variant& v, bool& campo);
+void DeVariant(const Variant& v, int16_t& campo);
+void DeVariant(const Variant& v, int32_t& campo);
+void DeVariant(const Variant& v, double& campo);
+void DeVariant(const Variant& v, QString& campo);
+void DeVariant(const Variant& v, std::shared_ptr<Objeto>& campo);
+template <class T>
+    requires(!std::is_same_v<T, Objeto>)
+void DeVariant(const Variant& v, std::shared_ptr<T>& campo) {
+    campo = std::dynamic_pointer_cast<T>(v.objeto());
+}
+
+template <class Clase>
+struct Miembro {
+    QString nombre;
+    int32_t dispid = 0;
+    ClaseDeMiembro clase = ClaseDeMiembro::Metodo;
+    TipoDato tipo = TipoDato::Ninguno;  // value of a property, result of a method
+    std::vector<Parametro> parametros;  // methods only
+    std::function<Variant(Clase&)> lee;
+    std::function<void(Clase&, const Variant&)> asigna;
+    // Receives exactly one slot per parameter, already converted; may change
+    // the slots of by-reference parameters. Empty while the member is not
+    // available yet.
+    std::function<Variant(Clase&, std::span<Variant>)> llama;
+};
+
+// Fills the slots for a method call: converts supplied arguments, applies
+// defaults for omitted optionals, raises 449 for a missing required argument
+// and 450 for too many.
+std::vector<Variant> PreparaArgumentos(const std::vector<Parametro>& parametros,
+                                       std::span<const Variant> argumentos);
+
+template <class Clase>
+class Interfaz {
+public:
+    explicit Interfaz(QString nombreDeClase, std::vector<Miembro<Clase>> miembros)
+        : nombreDeClase_(std::move(nombreDeClase)), miembros_(std::move(miembros)) {
+        for (size_t i = 0; i < miembros_.size(); ++i) {
+            porNombre_.insert(miembros_[i].nombre.toCaseFolded(), i);
+            porId_.insert(miembros_[i].dispid, i);
+        }
+    }
+
+    const std::vector<Miembro<Clase>>& miembros() const { return miembros_; }
+
+    int32_t IdDeNombre(const QString& nombre) const {
+        auto it = porNombre_.constFind(nombre.toCaseFolded());
+        return it == porNombre_.cend() ? kDispidDesconocido : miembros_[*it].dispid;
+    }
+
+    const Miembro<Clase>* PorId(int32_t dispid) const {
+        auto it = porId_.constFind(dispid);
+        return it == porId_.cend() ? nullptr : &miembros_[*it];
+    }
+
+    Variant Invoca(Clase& objeto, int32_t dispid, Llamada tipo, std::span<Variant> argumentos) const {
+        const Miembro<Clase>* m = PorId(dispid);
+        if (!m) Lanza(err::kNoAdmitePropiedadOMetodo, nombreDeClase_);
+        const QString origen = nombreDeClase_ + u'.' + m->nombre;
+        const bool lectura = tipo == Llamada::LeePropiedad || tipo == Llamada::Metodo;
+        switch (m->clase) {
+        case ClaseDeMiembro::PropiedadValor:
+        case ClaseDeMiembro::PropiedadObjeto: {
+            if (lectura) {
+                if (!argumentos.empty()) Lanza(err::kNumeroDeArgumentosErroneo, origen);
+                return m->lee(objeto);
+            }
+            const bool esperaObjeto = m->clase == ClaseDeMiembro::PropiedadObjeto;
+            if (esperaObjeto != (tipo == Llamada::AsignaReferencia))
+                Lanza(err::kNoAdmitePropiedadOMetodo, origen);
+            if (argumentos.size() != 1) Lanza(err::kNumeroDeArgumentosErroneo, origen);
+            if (esperaObjeto && !argumentos[0].esObjeto()) Lanza(err::kSeRequiereObjeto, origen);
+            m->asigna(objeto, ConOrigen(origen, [&] { return Coacciona(argumentos[0], m->tipo); }));
+            return Variant();
+        }
+        case ClaseDeMiembro::Metodo: {
+            if (!lectura) Lanza(err::kNoAdmitePropiedadOMetodo, origen);
+            std::vector<Variant> ranuras = ConOrigen(origen, [&] {
+                return PreparaArgumentos(m->parametros, argumentos);
+            });
+            if (!m->llama) {
+                LanzaNoDisponible(m->nombre, origen);
+            }
+            std::vector<Variant> antes = ranuras;
+            Variant resultado = m->llama(objeto, ranuras);
+            DevuelvePorReferencia(m->parametros, antes, ranuras, argumentos);
+            return resultado;
+        }
+        }
+        Lanza(err::kNoAdmitePropiedadOMetodo, origen);
+    }
+
+private:
+    template <class F>
+    static auto ConOrigen(const QString& origen, F&& f) -> decltype(f()) {
+        try {
+            return f();
+        } catch (const ErrorDeAutomatizacion& e) {
+            if (!e.origen().isEmpty()) throw;
+            throw ErrorDeAutomatizacion(e.numero(), e.descripcion(), origen);
+        }
+    }
+
+    static void DevuelvePorReferencia(const std::vector<Parametro>& parametros,
+                                      const std::vector<Variant>& antes,
+                                      const std::vector<Variant>& despues,
+                                      std::span<Variant> argumentos) {
+        for (size_t i = 0; i < argumentos.size() && i < parametros.size(); ++i) {
+            if (parametros[i].porReferencia && !despues[i].identico(antes[i]))
+                argumentos[i] = despues[i];
+        }
+    }
+
+    QString nombreDeClase_;
+    std::vector<Miembro<Clase>> miembros_;
+    QHash<QString, size_t> porNombre_;
+    QHash<int32_t, size_t> porId_;
+};
+
+// Builders for table entries backed by a data member of the class.
+template <class Clase, class Campo>
+Miembro<Clase> Propiedad(QString nombre, int32_t dispid, TipoDato tipo, Campo Clase::*campo) {
+    Miembro<Clase> m;
+    m.nombre = std::move(nombre);
+    m.dispid = dispid;
+    m.tipo = tipo;
+    m.clase = (tipo == TipoDato::Objeto || tipo == TipoDato::ParamData) ? ClaseDeMiembro::PropiedadObjeto
+                                                                        : ClaseDeMiembro::PropiedadValor;
+    m.lee = [campo, tipo](Clase& o) { return AVariant(o.*campo, tipo); };
+    m.asigna = [campo](Clase& o, const Variant& v) { DeVariant(v, o.*campo); };
+    return m;
+}
+
+template <class Clase>
+Miembro<Clase> Metodo(QString nombre, int32_t dispid, TipoDato resultado, std::vector<Parametro> parametros,
+                      std::function<Variant(Clase&, std::span<Variant>)> llama = {}) {
+    Miembro<Clase> m;
+    m.nombre = std::move(nombre);
+    m.dispid = dispid;
+    m.clase = ClaseDeMiembro::Metodo;
+    m.tipo = resultado;
+    m.parametros = std::move(parametros);
+    m.llama = std::move(llama);
+    return m;
+}
+
+// A property whose get and let go through the class's own procedures.
+template <class Clase>
+Miembro<Clase> PropiedadConProcedimientos(QString nombre, int32_t dispid, TipoDato tipo,
+                                          std::function<Variant(Clase&)> lee,
+                                          std::function<void(Clase&, const Variant&)> asigna) {
+    Miembro<Clase> m;
+    m.nombre = std::move(nombre);
+    m.dispid = dispid;
+    m.clase = ClaseDeMiembro::PropiedadValor;
+    m.tipo = tipo;
+    m.lee = std::move(lee);
+    m.asigna = std::move(asigna);
+    return m;
+}
+
+}  // namespace kalo

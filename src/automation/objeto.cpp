@@ -1,0 +1,44 @@
+#include <QVarLengthArray>
+
+#include "kaloimpresora/automatizacion.h"
+
+namespace kalo {
+
+void LanzaNoDisponible(const QString& miembro, const QString& origen) {
+    throw ErrorDeAutomatizacion(err::kNoAdmiteAccion,
+                                DescripcionDeError(err::kNoAdmiteAccion) + QStringLiteral(": «") + miembro +
+                                    QStringLiteral("» aún no está disponible"),
+                                origen);
+}
+
+int32_t Objeto::IdDeNombre(const QString&) const { return kDispidDesconocido; }
+
+Variant Objeto::Invoca(int32_t, Llamada, std::span<Variant>) {
+    Lanza(err::kNoAdmitePropiedadOMetodo);
+}
+
+Variant Objeto::InvocaPorNombre(const QString& nombre, Llamada tipo, std::span<Variant> argumentos) {
+    const int32_t id = IdDeNombre(nombre);
+    if (id == kDispidDesconocido) Lanza(err::kNoAdmitePropiedadOMetodo, nombre);
+    return Invoca(id, tipo, argumentos);
+}
+
+Variant Objeto::Lee(const QString& propiedad) {
+    return InvocaPorNombre(propiedad, Llamada::LeePropiedad, {});
+}
+
+void Objeto::Asigna(const QString& propiedad, Variant valor) {
+    InvocaPorNombre(propiedad, Llamada::AsignaValor, std::span<Variant>(&valor, 1));
+}
+
+void Objeto::AsignaObjeto(const QString& propiedad, std::shared_ptr<Objeto> objeto) {
+    Variant valor(std::move(objeto));
+    InvocaPorNombre(propiedad, Llamada::AsignaReferencia, std::span<Variant>(&valor, 1));
+}
+
+Variant Objeto::Llama(const QString& metodo, std::initializer_list<Variant> argumentos) {
+    QVarLengthArray<Variant, 8> copia(argumentos.begin(), argumentos.end());
+    return InvocaPorNombre(metodo, Llamada::Metodo, std::span<Variant>(copia.data(), copia.size()));
+}
+
+}  // namespace kalo

@@ -1,0 +1,267 @@
+#include <gtest/gtest.h>
+
+#include "automation/interfaces.h"
+#include "comun/utilerias_de_prueba.h"
+#include "kaloimpresora/impresora.h"
+#include "kaloimpresora/paramdata.h"
+
+using namespace kalo;
+using namespace Qt::StringLiterals;
+using kalo::prueba::NumeroDeError;
+
+namespace {
+
+struct Enlace {
+    const char* nombre;
+    int32_t dispid;
+};
+
+// The published binding hosts rely on.
+const Enlace kImpresora[] = {
+    {"Pantalla", 0x40030002}, {"Imagen1", 0x40030005}, {"Imagen2", 0x40030006}, {"Imagen3", 0x40030007},
+    {"Documento", 0x40030009}, {"nRow", 0x4003000a}, {"nCol", 0x4003000b}, {"DB", 0x4003000c},
+    {"Paginas", 0x4003000d}, {"nLinea", 0x4003000e}, {"Archivo", 0x4003000f}, {"strTemp", 0x40030010},
+    {"nCopias", 0x40030011}, {"bolCancelado", 0x40030012}, {"Cancelado", 0x40030013},
+    {"FechaInicial", 0x40030014}, {"FechaFinal", 0x40030015}, {"Todos", 0x40030016},
+    {"SoloSeleccionados", 0x40030017}, {"Avance", 0x40030018}, {"PapelTipo", 0x40030019},
+    {"PapelAncho", 0x4003001a}, {"PapelLargo", 0x4003001b}, {"bolStop", 0x4003001c},
+    {"PaperOrientation", 0x4003001d}, {"Horizontal", 0x4003001e}, {"BusquedaIni", 0x4003001f},
+    {"BusquedaFin", 0x40030020}, {"ParamData", 0x40030021}, {"Observ", 0x40030022},
+    {"AmbienteSucursal", 0x40030023}, {"sq", 0x40030025}, {"recordSetOrigen", 0x40030026},
+    {"objetoReporte", 0x40030027}, {"IniciaDocumento", 0x60030004}, {"Say", 0x60030005},
+    {"FinDocumento", 0x60030006}, {"EstableceFuente", 0x60030007}, {"CurrentY", 0x60030008},
+    {"CurrentX", 0x60030009}, {"Linea", 0x6003000a}, {"Box", 0x6003000b}, {"FilledBox", 0x6003000c},
+    {"PCircle", 0x6003000d}, {"PaginaNueva", 0x6003000e}, {"Picture", 0x6003000f}, {"Bar128", 0x60030010},
+    {"Bar3de9", 0x60030011}, {"BarEAN13", 0x60030012}, {"BarEAN8", 0x60030013}, {"Replicate", 0x60030014},
+    {"Row", 0x60030015}, {"Col", 0x60030016}, {"rst", 0x60030017}, {"Letra", 0x60030018},
+    {"Formato", 0x60030019}, {"PadR", 0x6003001a}, {"PadL", 0x6003001b}, {"EstableceImpresora", 0x6003001c},
+    {"FontBold", 0x6003001d}, {"FontITalic", 0x6003001e}, {"CreaBaseDeDatos", 0x60030020},
+    {"BorraArchivo", 0x60030021}, {"Copias", 0x60030022}, {"RangoDeFechas", 0x60030023},
+    {"FechaDeCorte", 0x60030024}, {"RangoDeAlcance", 0x60030025}, {"FuenteTransparente", 0x60030026},
+    {"ColorDeFuente", 0x60030027}, {"Fn", 0x60030029}, {"Random", 0x6003002a}, {"RandomColor", 0x6003002b},
+    {"Eventos", 0x6003002c}, {"CreaForma", 0x6003002d}, {"Portrait", 0x6003002e}, {"LandScape", 0x6003002f},
+    {"PaperSize", 0x60030030}, {"RestauraPapel", 0x60030031}, {"strLinea", 0x60030032},
+    {"CuantasLineas", 0x60030033}, {"Block", 0x60030035}, {"Quote", 0x60030036}, {"Inserta", 0x60030037},
+    {"Cambia", 0x60030038}, {"Prepara", 0x60030039}, {"RangoDeDatos", 0x6003003a}, {"Seleccion", 0x6003003b},
+    {"Rangos", 0x6003003c}, {"AbrirCajonDeDinero", 0x6003003d}, {"Codigo39", 0x6003003e},
+    {"FormaAncho", 0x68030003}, {"FormaAlto", 0x68030002}, {"ControlhWndImpresora", 0x68030001},
+    {"EstiloImpresion", 0x68030000}, {"EstableceEstiloImpresoraNT", 0x6003003f},
+};
+
+const Enlace kParamData[] = {
+    {"BusquedaIni", 0x40030000}, {"BusquedaFin", 0x40030001}, {"Todos1", 0x40030002},
+    {"BusquedaIni2", 0x40030003}, {"BusquedaFin2", 0x40030004}, {"Todos2", 0x40030005},
+    {"FechaInicial", 0x40030006}, {"FechaFinal", 0x40030007}, {"TodasLasFechas", 0x40030008},
+    {"SoloSeleccionados", 0x40030009}, {"TodosLosRegistros", 0x4003000a}, {"QueryIni", 0x4003000b},
+    {"QueryFin", 0x4003000c}, {"QueryIni2", 0x4003000d}, {"QueryFin2", 0x4003000e},
+    {"LeyendaIni", 0x4003000f}, {"LeyendaFin", 0x40030010}, {"LeyendaIni2", 0x40030011},
+    {"LeyendaFin2", 0x40030012}, {"Param1", 0x40030013}, {"Param2", 0x40030014}, {"Fechas", 0x40030015},
+    {"Check", 0x40030016}, {"CheckValue", 0x40030017}, {"CheckLeyend", 0x40030018}, {"Observ", 0x40030019},
+    {"ParametrosRequeridos", 0x60030000},
+};
+
+template <class Clase, size_t N>
+void CompruebaEnlaces(const Interfaz<Clase>& interfaz, const Enlace (&esperados)[N]) {
+    ASSERT_EQ(interfaz.miembros().size(), N);
+    Clase objeto;
+    for (size_t i = 0; i < N; ++i) {
+        const QString nombre = QString::fromLatin1(esperados[i].nombre);
+        SCOPED_TRACE(esperados[i].nombre);
+        EXPECT_EQ(interfaz.miembros()[i].nombre, nombre) << "interface order";
+        EXPECT_EQ(objeto.IdDeNombre(nombre), esperados[i].dispid);
+        EXPECT_EQ(objeto.IdDeNombre(nombre.toLower()), esperados[i].dispid);
+        EXPECT_EQ(objeto.IdDeNombre(nombre.toUpper()), esperados[i].dispid);
+    }
+}
+
+TEST(Despacho, NombresEIdsSiguenLaInterfazPublicada) {
+    CompruebaEnlaces(InterfazImpresora(), kImpresora);
+    CompruebaEnlaces(InterfazParamData(), kParamData);
+}
+
+TEST(Despacho, NombresDesconocidosYIdsDesconocidos) {
+    Impresora imp;
+    EXPECT_EQ(imp.IdDeNombre(u"FontItalic"_s), 0x6003001e);
+    EXPECT_EQ(imp.IdDeNombre(u"fontitalic"_s), 0x6003001e);
+    EXPECT_EQ(imp.IdDeNombre(u"ImprimeTodo"_s), kDispidDesconocido);
+    EXPECT_EQ(imp.IdDeNombre(u""_s), kDispidDesconocido);
+    // Private members occupy gaps in the numbering but are not reachable.
+    for (int32_t hueco : {0x40030003, 0x40030004, 0x60030028, 0x6003001f, 0x60030034, 0x40030024})
+        EXPECT_EQ(NumeroDeError([&] { imp.Invoca(hueco, Llamada::LeePropiedad, {}); }), 438) << hueco;
+    EXPECT_EQ(NumeroDeError([&] { imp.Lee(u"NoExiste"_s); }), 438);
+}
+
+TEST(Despacho, PorNombreYPorIdLleganAlMismoMiembro) {
+    Impresora imp;
+    Variant valor(int32_t{7});
+    imp.Invoca(0x4003000d, Llamada::AsignaValor, std::span<Variant>(&valor, 1));
+    EXPECT_EQ(imp.Paginas, 7);
+    EXPECT_TRUE(imp.Lee(u"PAGINAS"_s).identico(Variant(int32_t{7})));
+
+    imp.Asigna(u"formaancho"_s, 14.0);
+    EXPECT_TRUE(imp.Invoca(0x68030003, Llamada::LeePropiedad, {}).identico(Variant(14.0)));
+    EXPECT_TRUE(imp.Invoca(0x68030003, Llamada::Metodo, {}).identico(Variant(14.0)));
+}
+
+TEST(Despacho, ClasesDeLlamadaQueNoCorrespondenAlMiembro) {
+    Impresora imp;
+    auto otro = std::make_shared<Impresora>();
+    Variant objeto(otro);
+    Variant numero(3.0);
+    // Let on an object property, set on a value property, assignment to a method.
+    EXPECT_EQ(NumeroDeError([&] { imp.InvocaPorNombre(u"Imagen1"_s, Llamada::AsignaValor, {&objeto, 1}); }), 438);
+    EXPECT_EQ(NumeroDeError([&] { imp.InvocaPorNombre(u"nRow"_s, Llamada::AsignaReferencia, {&numero, 1}); }), 438);
+    EXPECT_EQ(NumeroDeError([&] { imp.InvocaPorNombre(u"Block"_s, Llamada::AsignaValor, {&numero, 1}); }), 438);
+    // Set with something that is not an object.
+    EXPECT_EQ(NumeroDeError([&] { imp.InvocaPorNombre(u"Imagen2"_s, Llamada::AsignaReferencia, {&numero, 1}); }), 424);
+    // A read with arguments, an assignment without.
+    EXPECT_EQ(NumeroDeError([&] { imp.InvocaPorNombre(u"nRow"_s, Llamada::LeePropiedad, {&numero, 1}); }), 450);
+    EXPECT_EQ(NumeroDeError([&] { imp.InvocaPorNombre(u"nRow"_s, Llamada::AsignaValor, {}); }), 450);
+    EXPECT_EQ(imp.nRow, 66);
+}
+
+TEST(Despacho, ParamDataSoloAceptaUnParamData) {
+    Impresora imp;
+    EXPECT_EQ(NumeroDeError([&] { imp.AsignaObjeto(u"ParamData"_s, std::make_shared<Impresora>()); }), 13);
+    EXPECT_EQ(imp.ParamData, nullptr);
+
+    auto creado = CreaObjeto(u"KaloImpresora.ParamData"_s);
+    imp.AsignaObjeto(u"ParamData"_s, creado);
+    EXPECT_EQ(imp.Lee(u"ParamData"_s).objeto(), creado);
+    imp.AsignaObjeto(u"ParamData"_s, nullptr);
+    EXPECT_EQ(imp.ParamData, nullptr);
+    EXPECT_TRUE(imp.Lee(u"ParamData"_s).esObjeto());
+}
+
+TEST(Despacho, ArgumentosFaltantesYSobrantes) {
+    Impresora imp;
+    struct Caso {
+        const char* metodo;
+        std::vector<Variant> argumentos;
+        int32_t error;
+    } casos[] = {
+        {"Replicate", {"-"}, 449},
+        {"Replicate", {Variant::Falta(), 3}, 449},
+        {"Replicate", {"-", 3, 4}, 450},
+        {"Block", {}, 449},
+        {"Say", {1, 2}, 449},
+        {"IniciaDocumento", {1}, 450},
+        {"Fn", {Variant::Nulo()}, 94},
+        {"Copias", {"muchas"}, 13},
+        {"Bar128", {70000, "123", 0, 0, 1, 1}, 6},
+    };
+    for (auto& c : casos) {
+        SCOPED_TRACE(c.metodo);
+        EXPECT_EQ(NumeroDeError([&] {
+                      imp.InvocaPorNombre(QString::fromLatin1(c.metodo), Llamada::Metodo, c.argumentos);
+                  }),
+                  c.error);
+    }
+}
+
+TEST(Despacho, MiembroAunNoDisponibleFallaConClaridad) {
+    Impresora imp;
+    try {
+        imp.Llama(u"IniciaDocumento"_s);
+        FAIL() << "se esperaba un error";
+    } catch (const ErrorDeAutomatizacion& e) {
+        EXPECT_EQ(e.numero(), 445);
+        EXPECT_TRUE(e.descripcion().contains(u"IniciaDocumento"_s)) << e.descripcion().toStdString();
+        EXPECT_EQ(e.origen(), u"Impresora.IniciaDocumento"_s);
+    }
+}
+
+TEST(Despacho, OpcionalesOmitidosTomanSuValorPredeterminado) {
+    auto ranuras = [](const char* nombre, std::vector<Variant> dados) {
+        const int32_t id = Impresora().IdDeNombre(QString::fromLatin1(nombre));
+        return PreparaArgumentos(InterfazImpresora().PorId(id)->parametros, dados);
+    };
+    auto bar = ranuras("Bar128", {int16_t{40}, "A1", 0, 0, 1, 1});
+    ASSERT_EQ(bar.size(), 7u);
+    EXPECT_TRUE(bar[6].identico(Variant(true)));
+
+    auto bar39 = ranuras("Bar3de9", {int16_t{40}, "A1", 0, 0, 1, 1, Variant::Falta()});
+    EXPECT_TRUE(bar39[6].identico(Variant(false)));
+    EXPECT_TRUE(bar39[7].identico(Variant(true)));
+
+    auto papel = ranuras("PaperSize", {5});
+    ASSERT_EQ(papel.size(), 4u);
+    EXPECT_TRUE(papel[0].identico(Variant(int16_t{5})));
+    EXPECT_TRUE(papel[1].identico(Variant(0.0)));
+    EXPECT_TRUE(papel[2].identico(Variant(0.0)));
+    EXPECT_TRUE(papel[3].identico(Variant(u"Tiendanova"_s)));
+
+    auto codigo = ranuras("Codigo39", {1, 1, 15, 600, "ABC"});
+    ASSERT_EQ(codigo.size(), 10u);
+    EXPECT_TRUE(codigo[5].identico(Variant(false)));
+    EXPECT_TRUE(codigo[9].identico(Variant(u""_s)));
+
+    auto seleccion = ranuras("Seleccion", {"Desde", "", Variant::Nada()});
+    EXPECT_TRUE(seleccion[3].esObjeto());
+    EXPECT_EQ(seleccion[3].objeto(), nullptr);
+
+    // Typed by-reference parameters take the declared type.
+    EXPECT_TRUE(ranuras("Copias", {"3"})[0].identico(Variant(int32_t{3})));
+}
+
+TEST(Despacho, PorReferenciaSoloDevuelveLoQueElMiembroCambia) {
+    Impresora imp;
+    std::vector<Variant> args = {"-", "a", "banana"};
+    const Variant r = imp.InvocaPorNombre(u"Cambia"_s, Llamada::Metodo, args);
+    EXPECT_TRUE(r.identico(Variant(u"b-n-n-"_s)));
+    EXPECT_TRUE(args[2].identico(Variant(u"b-n-n-"_s)));
+    EXPECT_TRUE(args[0].identico(Variant("-")));
+
+    // A number passed for a text parameter that the member leaves alone keeps its type.
+    std::vector<Variant> sinCambio = {int32_t{1}, "x", "abc"};
+    imp.InvocaPorNombre(u"Cambia"_s, Llamada::Metodo, sinCambio);
+    EXPECT_TRUE(sinCambio[0].identico(Variant(int32_t{1})));
+    EXPECT_TRUE(sinCambio[2].identico(Variant("abc")));
+
+    std::vector<Variant> cita = {"it's 'x'"};
+    EXPECT_TRUE(imp.InvocaPorNombre(u"Prepara"_s, Llamada::Metodo, cita).identico(Variant(u"it\"s \"x\""_s)));
+    EXPECT_TRUE(cita[0].identico(Variant(u"it\"s \"x\""_s)));
+
+    std::vector<Variant> repite = {"ab", 2.5};
+    EXPECT_TRUE(imp.InvocaPorNombre(u"Replicate"_s, Llamada::Metodo, repite).identico(Variant(u"abab"_s)));
+    EXPECT_TRUE(repite[1].identico(Variant(2.5)));
+}
+
+TEST(Despacho, CreaObjetoPorIdentificador) {
+    EXPECT_NE(std::dynamic_pointer_cast<Impresora>(CreaObjeto(u"KaloImpresora.Impresora"_s)), nullptr);
+    EXPECT_NE(std::dynamic_pointer_cast<Impresora>(CreaObjeto(u"kaloimpresora.impresora"_s)), nullptr);
+    EXPECT_NE(std::dynamic_pointer_cast<ParamData>(CreaObjeto(u"{b3a1e471-9b00-448b-a06e-abbc3c84dd1d}"_s)),
+              nullptr);
+    EXPECT_NE(std::dynamic_pointer_cast<Impresora>(CreaObjeto(u"{E94BEC84-E327-4A16-913B-8FBDD11090A8}"_s)),
+              nullptr);
+    for (const char* id : {"KaloImpresora.Otra", "", "Impresora", "{9A8C280D-29BC-4A62-BD58-8B46F27C3C00}"})
+        EXPECT_EQ(NumeroDeError([&] { CreaObjeto(QString::fromLatin1(id)); }), 429) << id;
+}
+
+// A host's own object: only the two virtual members, nothing else.
+class Contador : public Objeto {
+public:
+    int32_t IdDeNombre(const QString& nombre) const override {
+        return nombre.compare(u"Cuenta"_s, Qt::CaseInsensitive) == 0 ? 1 : kDispidDesconocido;
+    }
+    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> args) override {
+        if (dispid != 1) return Objeto::Invoca(dispid, tipo, args);
+        if (tipo == Llamada::AsignaValor) cuenta = CLng(args[0]);
+        return Variant(cuenta);
+    }
+    int32_t cuenta = 0;
+};
+
+TEST(Despacho, ObjetosDelAnfitrionSeGuardanYSeConviertenPorSuMiembroPredeterminado) {
+    Impresora imp;
+    auto propio = std::make_shared<Contador>();
+    imp.AsignaObjeto(u"Imagen3"_s, propio);
+    imp.Lee(u"Imagen3"_s).objeto()->Asigna(u"cuenta"_s, "12");
+    EXPECT_EQ(propio->cuenta, 12);
+    EXPECT_EQ(NumeroDeError([&] { propio->Lee(u"Otra"_s); }), 438);
+    // No default member: assigning it as a value fails with 438 from the object.
+    EXPECT_EQ(NumeroDeError([&] { imp.Asigna(u"nRow"_s, Variant(propio)); }), 438);
+    EXPECT_EQ(NumeroDeError([&] { imp.Asigna(u"nRow"_s, Variant::Nada()); }), 91);
+}
+
+}  // namespace

@@ -1,0 +1,137 @@
+#include <gtest/gtest.h>
+
+#include "comun/utilerias_de_prueba.h"
+#include "kaloimpresora/impresora.h"
+
+using namespace kalo;
+using namespace Qt::StringLiterals;
+using kalo::prueba::ConLocal;
+using kalo::prueba::NumeroDeError;
+
+namespace {
+
+TEST(Impresora, ValoresDeUnObjetoNuevoConSuTipo) {
+    auto imp = CreaObjeto(u"KaloImpresora.Impresora"_s);
+    struct Caso {
+        const char* propiedad;
+        Variant esperado;
+    } casos[] = {
+        {"FormaAncho", 8.5},
+        {"FormaAlto", 11.0},
+        {"nCol", 80.0},
+        {"nRow", 66.0},
+        {"EstiloImpresion", u"Tiendanova"_s},
+        {"ControlhWndImpresora", int32_t{0}},
+        {"Pantalla", false},
+        {"Archivo", false},
+        {"DB", u""_s},
+        {"Paginas", int32_t{0}},
+        {"nLinea", int32_t{0}},
+        {"PaperOrientation", int16_t{0}},
+        {"PapelAncho", 0.0},
+        {"FechaInicial", Variant::Fecha(0)},
+        {"FechaFinal", Variant::Fecha(0)},
+        {"Imagen1", Variant::Nada()},
+        {"Imagen2", Variant::Nada()},
+        {"ParamData", Variant::Nada()},
+        {"sq", Variant::Nada()},
+        {"Observ", u""_s},
+    };
+    for (const auto& c : casos) {
+        SCOPED_TRACE(c.propiedad);
+        const Variant v = imp->Lee(QString::fromLatin1(c.propiedad));
+        EXPECT_EQ(v.tipo(), c.esperado.tipo());
+        EXPECT_TRUE(v.identico(c.esperado)) << CStr(v).toStdString();
+    }
+}
+
+TEST(Impresora, ControlhWndImpresoraSiempreLeeCero) {
+    Impresora imp;
+    for (Variant valor : {Variant(int32_t{12345}), Variant("987"), Variant(-1.0)}) {
+        imp.Asigna(u"ControlhWndImpresora"_s, valor);
+        EXPECT_TRUE(imp.Lee(u"ControlhWndImpresora"_s).identico(Variant(int32_t{0})));
+    }
+    int32_t directo = 55;
+    imp.ControlhWndImpresora(directo);
+    EXPECT_EQ(imp.ControlhWndImpresora(), 0);
+    EXPECT_EQ(directo, 55);
+    // The let still converts its argument first.
+    EXPECT_EQ(NumeroDeError([&] { imp.Asigna(u"ControlhWndImpresora"_s, "ventana"); }), 13);
+}
+
+TEST(Impresora, AsignacionesConviertenAlTipoDeLaPropiedad) {
+    ConLocal local("en_US");
+    Impresora imp;
+    struct Caso {
+        const char* propiedad;
+        Variant dado;
+        Variant leido;
+    } casos[] = {
+        {"Pantalla", int32_t{1}, true},
+        {"Archivo", "True", true},
+        {"Documento", "42", int32_t{42}},
+        {"nRow", "1,200.5", 1200.5},
+        {"Paginas", 2.5, int32_t{2}},
+        {"Paginas", 3.5, int32_t{4}},
+        {"PaperOrientation", 2.0, int16_t{2}},
+        {"DB", 12, u"12"_s},
+        {"strTemp", true, u"True"_s},
+        {"FechaInicial", 45000.25, Variant::Fecha(45000.25)},
+        {"EstiloImpresion", "Ticket", u"Ticket"_s},
+        {"FormaAlto", int16_t{14}, 14.0},
+        {"Cancelado", Variant(), false},
+    };
+    for (const auto& c : casos) {
+        SCOPED_TRACE(c.propiedad);
+        imp.Asigna(QString::fromLatin1(c.propiedad), c.dado);
+        const Variant v = imp.Lee(QString::fromLatin1(c.propiedad));
+        EXPECT_TRUE(v.identico(c.leido)) << CStr(v).toStdString();
+    }
+    EXPECT_EQ(imp.FormaAlto(), 14);
+    EXPECT_EQ(imp.EstiloImpresion(), u"Ticket"_s);
+}
+
+TEST(Impresora, AsignacionesInvalidasNoCambianNada) {
+    ConLocal local("es_ES");
+    Impresora imp;
+    struct Caso {
+        const char* propiedad;
+        Variant dado;
+        int32_t error;
+    } casos[] = {
+        {"Pantalla", "quizá", 13},
+        {"nRow", Variant::Nulo(), 94},
+        {"nCol", "ochenta", 13},
+        {"PaperOrientation", 40000, 6},
+        {"Paginas", 3e10, 6},
+        {"FechaInicial", "no es fecha", 13},
+        {"Documento", Variant::Falta(), 13},
+    };
+    for (const auto& c : casos) {
+        SCOPED_TRACE(c.propiedad);
+        const Variant antes = imp.Lee(QString::fromLatin1(c.propiedad));
+        EXPECT_EQ(NumeroDeError([&] { imp.Asigna(QString::fromLatin1(c.propiedad), c.dado); }), c.error);
+        EXPECT_TRUE(imp.Lee(QString::fromLatin1(c.propiedad)).identico(antes));
+    }
+    // In a comma locale the point is a group separator.
+    imp.Asigna(u"nRow"_s, "1.5");
+    EXPECT_EQ(imp.nRow, 15);
+    imp.Asigna(u"nRow"_s, "1,5");
+    EXPECT_EQ(imp.nRow, 1.5);
+}
+
+TEST(Impresora, PropiedadesDeObjetoGuardanLaReferencia) {
+    Impresora imp;
+    auto otro = std::make_shared<Impresora>();
+    for (const char* nombre : {"Imagen1", "Imagen2", "Imagen3", "Avance", "AmbienteSucursal", "sq",
+                               "recordSetOrigen", "objetoReporte"}) {
+        SCOPED_TRACE(nombre);
+        imp.AsignaObjeto(QString::fromLatin1(nombre), otro);
+        EXPECT_EQ(imp.Lee(QString::fromLatin1(nombre)).objeto(), otro);
+        imp.AsignaObjeto(QString::fromLatin1(nombre), nullptr);
+        EXPECT_EQ(imp.Lee(QString::fromLatin1(nombre)).objeto(), nullptr);
+    }
+    EXPECT_EQ(otro.use_count(), 1);
+}
+
+}  // namespace

@@ -1,0 +1,90 @@
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "comun/utilerias_de_prueba.h"
+#include "kaloimpresora/impresora.h"
+
+using namespace kalo;
+using namespace Qt::StringLiterals;
+using kalo::prueba::ConLocal;
+using kalo::prueba::ConUtilerias;
+using kalo::prueba::NumeroDeError;
+
+namespace {
+
+TEST(Utilerias, TextoDeNumeroUsaPuntoSinAgruparNiExponente) {
+    UtileriasPredeterminadas u;
+    struct Caso {
+        double numero;
+        const char* texto;
+    } casos[] = {
+        {2, "2"},         {2.5, "2.5"},           {-0.0001, "-0.0001"},       {0, "0"},
+        {-0.0, "0"},      {1234567.8912, "1234567.8912"}, {1e20, "100000000000000000000"},
+        {0.1 + 0.2, "0.3"}, {1.0 / 3, "0.333333333333333"}, {1e-7, "0.0000001"},
+    };
+    for (const char* local : {"en_US", "es_ES"}) {
+        ConLocal l(local);
+        for (const auto& c : casos) EXPECT_EQ(u.TextoDeNumero(c.numero), QString::fromLatin1(c.texto)) << local;
+    }
+}
+
+TEST(Utilerias, EsVacioYValorNumerico) {
+    UtileriasPredeterminadas u;
+    struct Caso {
+        Variant valor;
+        bool vacio;
+        double numero;
+    } casos[] = {
+        {Variant(), true, 0},        {Variant::Nulo(), true, 0}, {Variant::Falta(), true, 0},
+        {u""_s, true, 0},           {u"   "_s, true, 0},       {u"x"_s, false, 0},
+        {u"12"_s, false, 12},       {true, false, -1},          {false, false, 0},
+        {int32_t{0}, false, 0},      {2.5, false, 2.5},          {Variant::Nada(), true, 0},
+    };
+    for (const auto& c : casos) {
+        EXPECT_EQ(u.EsVacio(c.valor), c.vacio) << static_cast<int>(c.valor.tipo());
+        EXPECT_EQ(u.ValorNumerico(c.valor), c.numero) << static_cast<int>(c.valor.tipo());
+    }
+}
+
+TEST(Utilerias, TextoDeValorBuscaTextoYSeparador) {
+    UtileriasPredeterminadas u;
+    ConLocal l("es_ES");
+    EXPECT_EQ(u.TextoDeValor(u"a\"b"_s), u"a\"b"_s);
+    EXPECT_EQ(u.TextoDeValor(2.5), u"2,5"_s);
+    EXPECT_EQ(u.TextoDeValor(Variant::Nulo()), u""_s);
+    EXPECT_EQ(u.SeparadorDecimal(), u","_s);
+    EXPECT_EQ(u.BuscaTexto(u"c"_s, u"abcabc"_s), 3);
+    EXPECT_EQ(u.BuscaTexto(u"C"_s, u"abcabc"_s), 0);
+    EXPECT_EQ(u.BuscaTexto(2, u"a2"_s), 2);
+    EXPECT_LT(u.BuscaTexto(u""_s, u"abc"_s), 1);
+    EXPECT_LT(u.BuscaTexto(Variant::Nulo(), u"abc"_s), 1);
+    ConLocal en("en_US");
+    EXPECT_EQ(u.SeparadorDecimal(), u"."_s);
+}
+
+TEST(Utilerias, OperacionesAunNoDisponiblesFallanConClaridad) {
+    UtileriasPredeterminadas u;
+    double n = 1;
+    QString a, b;
+    bool d = true;
+    EXPECT_EQ(NumeroDeError([&] { u.ImporteEnLetra(n, a, d, b); }), 445);
+    EXPECT_EQ(NumeroDeError([&] { u.AbreConsulta(u"SELECT 1"_s, nullptr, true); }), 445);
+}
+
+class Marcada : public UtileriasPredeterminadas {
+public:
+    QString SeparadorDecimal() override { return u"#"_s; }
+};
+
+TEST(Utilerias, LaInstanciaCompartidaEsPorHiloYSustituible) {
+    ConUtilerias sustituta(std::make_shared<Marcada>());
+    EXPECT_EQ(UtileriasCompartidas().SeparadorDecimal(), u"#"_s);
+    QString enOtroHilo;
+    std::thread([&] { enOtroHilo = UtileriasCompartidas().SeparadorDecimal(); }).join();
+    EXPECT_NE(enOtroHilo, u"#"_s);
+    // Fn goes through the substitute too.
+    EXPECT_EQ(NumeroDeError([] { Impresora().Fn(u"1.5"_s); }), 13);
+}
+
+}  // namespace

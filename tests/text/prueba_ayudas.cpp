@@ -1,0 +1,139 @@
+#include <gtest/gtest.h>
+
+#include "comun/utilerias_de_prueba.h"
+#include "kaloimpresora/impresora.h"
+
+using namespace kalo;
+using namespace Qt::StringLiterals;
+using kalo::prueba::ConLocal;
+using kalo::prueba::ConUtilerias;
+using kalo::prueba::NumeroDeError;
+
+namespace {
+
+TEST(Ayudas, RellenoYRepeticion) {
+    Impresora imp;
+    struct Caso {
+        Variant texto;
+        Variant ancho;
+        const char* esperado;
+    } rellenos[] = {
+        {"ab", 5, "   ab"},
+        {"abcdef", 3, "abcdef"},
+        {12, 4, "  12"},
+        {"ab", 4.5, "  ab"},   // 2.5 halves to 2
+        {"ab", 5.5, "    ab"},  // 3.5 halves to 4
+        {"", 0, ""},
+        {"x", -3, "x"},
+    };
+    for (const auto& c : rellenos) {
+        EXPECT_EQ(imp.PadR(c.texto, c.ancho), QString::fromLatin1(c.esperado)) << c.esperado;
+        EXPECT_EQ(imp.PadL(c.texto, c.ancho), QString::fromLatin1(c.esperado)) << c.esperado;
+    }
+    struct Repite {
+        Variant pieza;
+        Variant veces;
+        const char* esperado;
+    } repeticiones[] = {
+        {"-", 0, ""},     {"-", -2, ""},    {"ab", 3, "ababab"}, {"ab", 2.5, "abab"},
+        {"=", "3", "==="}, {7, 2, "77"},     {Variant::Nulo(), 4, ""},
+    };
+    for (const auto& c : repeticiones) EXPECT_EQ(imp.Replicate(c.pieza, c.veces), QString::fromLatin1(c.esperado));
+
+    EXPECT_EQ(NumeroDeError([&] { imp.PadR(Variant::Nulo(), 3); }), 94);
+    EXPECT_EQ(NumeroDeError([&] { imp.Replicate("-", "muchas"); }), 13);
+    EXPECT_EQ(NumeroDeError([&] { imp.Replicate("-", Variant::Nulo()); }), 94);
+}
+
+TEST(Ayudas, ComillasInsercionYReemplazo) {
+    Impresora imp;
+    EXPECT_EQ(imp.Block(u"a b"_s), u"\"a b\""_s);
+    EXPECT_EQ(imp.Quote(u"a b"_s), u"'a b'"_s);
+    struct Caso {
+        const char* inserta;
+        const char* busca;
+        const char* destino;
+        const char* unaVez;
+        const char* todas;
+    } casos[] = {
+        {"X", "b", "abcabc", "aXcabc", "aXcaXc"},
+        {"", "ab", "abcabc", "cabc", "cc"},
+        {"X", "z", "abc", "abc", "abc"},
+        {"X", "", "abc", "abc", "abc"},
+        {"aa", "aaa", "aaaaaa", "aaaaa", "aa"},
+        {"cd", "abc", "abc", "cd", "cd"},
+    };
+    for (const auto& c : casos) {
+        SCOPED_TRACE(c.destino);
+        const QString destino = QString::fromLatin1(c.destino);
+        EXPECT_EQ(imp.Inserta(QString::fromLatin1(c.inserta), QString::fromLatin1(c.busca), destino),
+                  QString::fromLatin1(c.unaVez));
+        QString variable = destino;
+        EXPECT_EQ(imp.Cambia(QString::fromLatin1(c.inserta), QString::fromLatin1(c.busca), variable),
+                  QString::fromLatin1(c.todas));
+        EXPECT_EQ(variable, QString::fromLatin1(c.todas));
+    }
+    QString texto = u"O'Higgins y D'Artagnan"_s;
+    EXPECT_EQ(imp.Prepara(texto), u"O\"Higgins y D\"Artagnan"_s);
+    EXPECT_EQ(texto, u"O\"Higgins y D\"Artagnan"_s);
+}
+
+TEST(Ayudas, LineasDeUnTexto) {
+    Impresora imp;
+    const Variant texto(u"uno\r\ndos\nt\rres"_s);
+    struct Caso {
+        Variant linea;
+        const char* esperado;
+    } casos[] = {
+        {1, "uno"}, {2, "dos"}, {3, "tres"}, {4, ""}, {0, ""}, {-1, ""}, {"2", "dos"}, {1.5, ""}, {"dos", ""},
+    };
+    for (const auto& c : casos) EXPECT_EQ(imp.strLinea(texto, c.linea), QString::fromLatin1(c.esperado));
+    EXPECT_EQ(imp.strLinea(u"uno\r\ndos"_s, 3), u""_s);
+    EXPECT_EQ(imp.strLinea(u"solo"_s, 1), u"solo"_s);
+
+    struct Cuenta {
+        Variant texto;
+        int32_t lineas;
+    } cuentas[] = {
+        {u""_s, 0},          {u"sin salto"_s, 1}, {u"a\nb"_s, 2}, {u"a\nb\n"_s, 3},
+        {u"\n\n"_s, 3},      {Variant(), 0},       {Variant::Nulo(), 0}, {12345, 1},
+    };
+    for (const auto& c : cuentas) EXPECT_EQ(imp.CuantasLineas(c.texto), c.lineas) << CStr(c.texto).toStdString();
+}
+
+TEST(Ayudas, FnLeeElPuntoDecimalEnCualquierLocal) {
+    Impresora imp;
+    for (const char* local : {"en_US", "es_ES", "de_DE", "es_MX"}) {
+        ConLocal l(local);
+        SCOPED_TRACE(local);
+        EXPECT_EQ(imp.Fn(u"1234.5"_s), 1234.5);
+        EXPECT_EQ(imp.Fn(u"-0.0001"_s), -0.0001);
+        EXPECT_EQ(imp.Fn(u"7"_s), 7);
+        EXPECT_EQ(NumeroDeError([&] { imp.Fn(u""_s); }), 13);
+        EXPECT_EQ(NumeroDeError([&] { imp.Fn(u"abc"_s); }), 13);
+    }
+}
+
+// Counts how often the decimal separator is asked for.
+class SeparadorContado : public UtileriasPredeterminadas {
+public:
+    QString SeparadorDecimal() override {
+        ++veces;
+        return u","_s;
+    }
+    int veces = 0;
+};
+
+TEST(Ayudas, FnPideElSeparadorEnCadaPunto) {
+    ConLocal l("es_ES");
+    auto util = std::make_shared<SeparadorContado>();
+    ConUtilerias u(util);
+    Impresora imp;
+    EXPECT_EQ(imp.Fn(u"12.5"_s), 12.5);
+    EXPECT_EQ(util->veces, 1);
+    // Two points become two decimal separators: not a number.
+    EXPECT_EQ(NumeroDeError([&] { imp.Fn(u"1.2.3"_s); }), 13);
+    EXPECT_EQ(util->veces, 3);
+}
+
+}  // namespace
