@@ -1,0 +1,415 @@
+#include <QLocale>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <thread>
+
+#include "comun/utilerias_de_prueba.h"
+#include "kaloimpresora/automatizacion.h"
+#include "kaloimpresora/conversiones.h"
+
+namespace kalo {
+namespace {
+
+using prueba::NumeroDeError;
+
+std::string U8(const QString& s) { return s.toStdString(); }
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInf = std::numeric_limits<double>::infinity();
+
+// Answers its default member with a fixed value.
+class ObjetoConValor : public Objeto {
+public:
+    explicit ObjetoConValor(Variant valor) : valor_(std::move(valor)) {}
+    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) override {
+        if (dispid == kDispidValor && tipo == Llamada::LeePropiedad)
+            return valor_;
+        return Objeto::Invoca(dispid, tipo, argumentos);
+    }
+
+private:
+    Variant valor_;
+};
+
+// Its default member is itself.
+class ObjetoCircular : public Objeto, public std::enable_shared_from_this<ObjetoCircular> {
+public:
+    Variant Invoca(int32_t, Llamada, std::span<Variant>) override { return shared_from_this(); }
+};
+
+enum class Local { EnUs, EsEs };
+
+void PrintTo(Local l, std::ostream* os) { *os << (l == Local::EnUs ? "en_US" : "es_ES"); }
+
+// The same tables run with "." and with "," as the decimal separator.
+class PorLocal : public ::testing::TestWithParam<Local> {
+protected:
+    void SetUp() override {
+        EstableceLocalDelUsuario(QLocale(GetParam() == Local::EnUs ? QStringLiteral("en_US") : QStringLiteral("es_ES")));
+    }
+    void TearDown() override { EstableceLocalDelUsuario(std::nullopt); }
+
+    template <class T>
+    T Segun(T enUs, T esEs) const {
+        return GetParam() == Local::EnUs ? enUs : esEs;
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Locales, PorLocal, ::testing::Values(Local::EnUs, Local::EsEs),
+                         [](const auto& info) { return info.param == Local::EnUs ? "en_US" : "es_ES"; });
+
+TEST_P(PorLocal, TextoDeNumeros) {
+    struct Caso {
+        Variant valor;
+        const char* enUs;
+        const char* esEs;
+    };
+    const Caso casos[] = {
+        {1.0 / 3, "0.333333333333333", "0,333333333333333"},
+        {1e15, "1E+15", "1E+15"},
+        {1e-5, "1E-05", "1E-05"},
+        {1.5e20, "1.5E+20", "1,5E+20"},
+        {-1e-300, "-1E-300", "-1E-300"},
+        {123456789012345.0, "123456789012345", "123456789012345"},
+        {1234567890123456.0, "1.23456789012346E+15", "1,23456789012346E+15"},
+        {0.1 + 0.2, "0.3", "0,3"},
+        {0.0001, "0.0001", "0,0001"},
+        {-2.5, "-2.5", "-2,5"},
+        {-0.0, "0", "0"},
+        {1.0f / 3, "0.3333333", "0,3333333"},
+        {1e7f, "1E+07", "1E+07"},
+        {16777216.0f, "1.677722E+07", "1,677722E+07"},
+        {Moneda{125000}, "12.5", "12,5"},
+        {Moneda{-1}, "-0.0001", "-0,0001"},
+        {Moneda{30000}, "3", "3"},
+        {Moneda{INT64_MIN}, "-922337203685477.5808", "-922337203685477,5808"},
+        {int16_t{-32768}, "-32768", "-32768"},
+        {int32_t{2147483647}, "2147483647", "2147483647"},
+        {true, "True", "True"},
+        {false, "False", "False"},
+        {Variant(), "", ""},
+        {"texto", "texto", "texto"},
+        {Variant::Falta(), "Error 448", "Error 448"},
+        {Variant::Error(13), "Error 13", "Error 13"},
+    };
+    for (const Caso& c : casos)
+        EXPECT_EQ(U8(CStr(c.valor)), Segun(c.enUs, c.esEs)) << "se esperaba " << c.enUs;
+}
+
+TEST_P(PorLocal, LecturaDeTextoNumerico) {
+    struct Caso {
+        const char* texto;
+        double enUs;
+        double esEs;
+        int32_t errorEnUs;
+        int32_t errorEsEs;
+    };
+    const Caso casos[] = {
+        {"1,234.5", 1234.5, 0, 0, 13},
+        {"1.234,5", 0, 1234.5, 13, 0},
+        {"1.5", 1.5, 15, 0, 0},  // "." groups digits in es_ES
+        {"1,5", 15, 1.5, 0, 0},
+        {"1,2,3", 123, 0, 0, 13},
+        {"  -12\t", -12, -12, 0, 0},
+        {"12-", -12, -12, 0, 0},
+        {"+ 3", 3, 3, 0, 0},
+        {"(5)", -5, -5, 0, 0},
+        {"$5", 5, 0, 0, 13},
+        {"(5 €)", 0, -5, 13, 0},
+        {"1E3", 1000, 1000, 0, 0},
+        {"1d-2", 0.01, 0.01, 0, 0},
+        {"2.5e-1", 0.25, 2.5, 0, 0},
+        {"&HFFFF", -1, -1, 0, 0},
+        {"&h1f", 31, 31, 0, 0},
+        {"&O17", 15, 15, 0, 0},
+        {"&HFFFFF", 1048575, 1048575, 0, 0},
+        {"&H80000000", -2147483648.0, -2147483648.0, 0, 0},
+        {"&HG", 0, 0, 13, 13},
+        {"&H123456789", 0, 0, 13, 13},
+        {"1E400", 0, 0, 6, 6},
+        {"abc", 0, 0, 13, 13},
+        {"", 0, 0, 13, 13},
+        {"   ", 0, 0, 13, 13},
+        {"1E", 0, 0, 13, 13},
+        {"(5", 0, 0, 13, 13},
+        {"-(5)", 0, 0, 13, 13},
+        {"--5", 0, 0, 13, 13},
+        {"1 2", 0, 0, 13, 13},
+        {"5x", 0, 0, 13, 13},
+    };
+    for (const Caso& c : casos) {
+        SCOPED_TRACE(c.texto);
+        const int32_t error = Segun(c.errorEnUs, c.errorEsEs);
+        double leido = 0;
+        EXPECT_EQ(NumeroDeError([&] { leido = CDbl(c.texto); }), error);
+        if (error == 0) {
+            EXPECT_DOUBLE_EQ(leido, Segun(c.enUs, c.esEs));
+        }
+        EXPECT_EQ(LeeNumero(QString::fromUtf8(c.texto)).has_value(), error != 13);
+    }
+}
+
+TEST_P(PorLocal, EnterosDeTexto) {
+    EXPECT_EQ(CInt(Segun("2.5", "2,5")), 2);
+    EXPECT_EQ(CInt(Segun("3.5", "3,5")), 4);
+    EXPECT_EQ(CLng(Segun("1,000,000", "1.000.000")), 1000000);
+    EXPECT_EQ(CInt("&H8000"), -32768);
+    EXPECT_EQ(NumeroDeError([] { CInt("40000"); }), 6);
+}
+
+TEST_P(PorLocal, FechasDeTexto) {
+    struct Caso {
+        const char* texto;
+        double serial;
+        bool soloEnUs = false;
+        bool soloEsEs = false;
+    };
+    const Caso casos[] = {
+        {"2020-01-05", 43835},
+        {"2020-01-05 13:30", 43835.5625},
+        {"1/5/2020", 43835, true},
+        {"1/5/2020 1:30 PM", 43835.5625, true},
+        {"5/1/2020", 43835, false, true},
+        {"5/1/2020 13:30:00", 43835.5625, false, true},
+        {"5.1.2020", 43835, false, true},
+        {"5/1/20", 43835, false, true},
+        {"5 de enero de 2020", 43835, false, true},
+        {"domingo, 5 de enero de 2020", 43835, false, true},
+        {"January 5, 2020", 43835},
+        {"5-Jan-2020", 43835},
+        {"13:30:00", 0.5625},
+        {"1:30:00 PM", 0.5625},
+        {"12:00 AM", 0},
+        {"1899-12-31", 1},
+        {"1900-01-01", 2},
+        {"1899-12-29 12:00", -1.5},
+    };
+    for (const Caso& c : casos) {
+        if ((c.soloEnUs && GetParam() != Local::EnUs) || (c.soloEsEs && GetParam() != Local::EsEs))
+            continue;
+        SCOPED_TRACE(c.texto);
+        double serial = kNaN;
+        EXPECT_EQ(NumeroDeError([&] { serial = CDate(c.texto); }), 0);
+        EXPECT_DOUBLE_EQ(serial, c.serial);
+    }
+    for (const char* invalido : {"1.5", "1,5", "2020", "abc", "2020-02-30", "25:00", "13/13/2020", "5 enero enero"}) {
+        SCOPED_TRACE(invalido);
+        EXPECT_EQ(NumeroDeError([&] { CDate(invalido); }), 13);
+    }
+}
+
+TEST_P(PorLocal, FechasComoTexto) {
+    EXPECT_EQ(U8(CStr(Variant::Fecha(43835))), Segun("1/5/2020", "5/1/2020"));
+    EXPECT_EQ(U8(CStr(Variant::Fecha(43835.5625))), Segun("1/5/2020 1:30:00 PM", "5/1/2020 13:30:00"));
+    EXPECT_EQ(U8(CStr(Variant::Fecha(0.5625))), Segun("1:30:00 PM", "13:30:00"));
+    EXPECT_EQ(U8(CStr(Variant::Fecha(-1.5))), Segun("12/29/1899 12:00:00 PM", "29/12/1899 12:00:00"));
+    // Text written from a date reads back as the same date.
+    for (double serial : {43835.5625, 43835.0, 0.5625, -1.5, -700.25, 2.0, 2958465.0, -657434.0, 45000.999988425923}) {
+        const QString texto = CStr(Variant::Fecha(serial));
+        SCOPED_TRACE(U8(texto));
+        EXPECT_NEAR(CDate(texto), serial, 0.5 / 86400);
+    }
+    EXPECT_EQ(NumeroDeError([] { CStr(Variant::Fecha(3e6)); }), 6);
+}
+
+TEST_P(PorLocal, ElLocalSeVeDesdeOtrosHilos) {
+    QString texto;
+    std::thread hilo([&] { texto = CStr(2.5); });
+    hilo.join();
+    EXPECT_EQ(U8(texto), Segun("2.5", "2,5"));
+    EXPECT_EQ(LocalDelUsuario().name(), Segun(QStringLiteral("en_US"), QStringLiteral("es_ES")));
+}
+
+TEST(LocalDelUsuario, SinReemplazoEsElDelSistema) {
+    EstableceLocalDelUsuario(QLocale(QStringLiteral("de_DE")));
+    EXPECT_EQ(LocalDelUsuario().name(), QStringLiteral("de_DE"));
+    EstableceLocalDelUsuario(std::nullopt);
+    EXPECT_EQ(LocalDelUsuario().name(), QLocale::system().name());
+}
+
+TEST(RedondeaPar, MitadesAlPar) {
+    const std::pair<double, double> casos[] = {
+        {0.5, 0},   {1.5, 2},  {2.5, 2},    {-2.5, -2},   {8.5, 8},         {9.5, 10},         {-3.5, -4},
+        {2.4, 2},   {2.6, 3},  {-2.6, -3},  {0.49999999999999994, 0},       {4503599627370497.0, 4503599627370497.0},
+    };
+    for (auto [x, esperado] : casos)
+        EXPECT_EQ(RedondeaPar(x), esperado) << x;
+    EXPECT_TRUE(std::isnan(RedondeaPar(kNaN)));
+}
+
+TEST(ConversionAEntero, RedondeoYLimites) {
+    struct Caso {
+        Variant valor;
+        int32_t cint;  // meaningful only when errorCInt is 0
+        int32_t errorCInt;
+        int32_t clng;
+        int32_t errorCLng;
+    };
+    const Caso casos[] = {
+        {2.5, 2, 0, 2, 0},
+        {-2.5, -2, 0, -2, 0},
+        {3.5, 4, 0, 4, 0},
+        {32767.4, 32767, 0, 32767, 0},
+        {32767.5, 0, 6, 32768, 0},
+        {-32768.5, -32768, 0, -32768, 0},
+        {-32768.6, 0, 6, -32769, 0},
+        {2147483646.5, 0, 6, 2147483646, 0},
+        {2147483647.5, 0, 6, 0, 6},
+        {-2147483648.5, 0, 6, INT32_MIN, 0},
+        {Moneda{25000}, 2, 0, 2, 0},
+        {Moneda{35000}, 4, 0, 4, 0},
+        {Moneda{-25000}, -2, 0, -2, 0},
+        {Moneda{-25001}, -3, 0, -3, 0},
+        {1.5f, 2, 0, 2, 0},
+        {true, -1, 0, -1, 0},
+        {Variant(), 0, 0, 0, 0},
+        {Variant::Fecha(2.5), 2, 0, 2, 0},
+        {kNaN, 0, 6, 0, 6},
+        {kInf, 0, 6, 0, 6},
+        {Variant::Nulo(), 0, 94, 0, 94},
+        {Variant::Falta(), 0, 13, 0, 13},
+        {"abc", 0, 13, 0, 13},
+        {Variant::Nada(), 0, 91, 0, 91},
+    };
+    for (const Caso& c : casos) {
+        SCOPED_TRACE(testing::Message() << "tipo " << int(c.valor.tipo()) << ", cint " << c.cint);
+        int32_t cint = 0;
+        int32_t clng = 0;
+        EXPECT_EQ(NumeroDeError([&] { cint = CInt(c.valor); }), c.errorCInt);
+        EXPECT_EQ(NumeroDeError([&] { clng = CLng(c.valor); }), c.errorCLng);
+        if (c.errorCInt == 0) {
+            EXPECT_EQ(cint, c.cint);
+        }
+        if (c.errorCLng == 0) {
+            EXPECT_EQ(clng, c.clng);
+        }
+    }
+}
+
+TEST(ConversionABooleano, TextosYNumeros) {
+    struct Caso {
+        Variant valor;
+        bool esperado;
+        int32_t error;
+    };
+    const Caso casos[] = {
+        {"True", true, 0},      {" true ", true, 0},    {"VERDADERO", true, 0},  {"Falso", false, 0},
+        {"false", false, 0},    {"0", false, 0},        {"-5", true, 0},         {"&H0", false, 0},
+        {"si", false, 13},      {"", false, 13},        {Variant(), false, 0},   {0.0, false, 0},
+        {0.001, true, 0},       {Moneda{1}, true, 0},   {int16_t{0}, false, 0},  {Variant::Nulo(), false, 94},
+        {Variant::Falta(), false, 13},
+    };
+    for (const Caso& c : casos) {
+        bool valor = !c.esperado;
+        EXPECT_EQ(NumeroDeError([&] { valor = CBool(c.valor); }), c.error) << U8(c.valor.texto());
+        if (c.error == 0) {
+            EXPECT_EQ(valor, c.esperado) << U8(c.valor.texto());
+        }
+    }
+}
+
+TEST(ConversionAMoneda, RedondeoDecimalYLimites) {
+    prueba::ConLocal local("en_US");
+    struct Caso {
+        Variant valor;
+        int64_t escalado;
+        int32_t error;
+    };
+    const Caso casos[] = {
+        {2.00005, 20000, 0},     // the decimal half, not the binary value below it
+        {2.00015, 20002, 0},
+        {1.23456, 12346, 0},
+        {-1.23455, -12346, 0},
+        {0.00005, 0, 0},
+        {0.00015, 2, 0},
+        {1.1f, 11000, 0},
+        {922337203685477.0, 9223372036854770000, 0},
+        {"922337203685477.5807", INT64_MAX, 0},
+        {"-922337203685477.5808", INT64_MIN, 0},
+        {"922337203685477.5808", 0, 6},
+        {"0.00025", 2, 0},
+        {"0.000250001", 3, 0},
+        {1e15, 0, 6},
+        {kNaN, 0, 6},
+        {int32_t{-7}, -70000, 0},
+        {true, -10000, 0},
+        {"x", 0, 13},
+        {Variant::Nulo(), 0, 94},
+    };
+    for (const Caso& c : casos) {
+        SCOPED_TRACE(testing::Message() << "esperado " << c.escalado);
+        Moneda m;
+        EXPECT_EQ(NumeroDeError([&] { m = CCur(c.valor); }), c.error);
+        if (c.error == 0) {
+            EXPECT_EQ(m.escalado, c.escalado);
+        }
+    }
+}
+
+TEST(ConversionAFecha, NumerosEIntervalo) {
+    struct Caso {
+        Variant valor;
+        double serial;
+        int32_t error;
+    };
+    const Caso casos[] = {
+        {2.5, 2.5, 0},         {int16_t{-1}, -1, 0},       {true, -1, 0},        {Variant(), 0, 0},
+        {Moneda{15000}, 1.5, 0}, {2958465.99, 2958465.99, 0}, {2958466.0, 0, 6},   {-657434.0, -657434, 0},
+        {-657435.0, 0, 6},     {kNaN, 0, 6},               {Variant::Nulo(), 0, 94}, {Variant::Falta(), 0, 13},
+    };
+    for (const Caso& c : casos) {
+        SCOPED_TRACE(c.serial);
+        double serial = 0;
+        EXPECT_EQ(NumeroDeError([&] { serial = CDate(c.valor); }), c.error);
+        if (c.error == 0) {
+            EXPECT_DOUBLE_EQ(serial, c.serial);
+        }
+    }
+}
+
+TEST(ConversionDeObjetos, PorSuMiembroPredeterminado) {
+    prueba::ConLocal local("en_US");
+    auto numero = std::make_shared<ObjetoConValor>(Variant("12.5"));
+    auto texto = std::make_shared<ObjetoConValor>(Variant(1.5));
+    auto anidado = std::make_shared<ObjetoConValor>(Variant(numero));
+    EXPECT_DOUBLE_EQ(CDbl(numero), 12.5);
+    EXPECT_EQ(CInt(numero), 12);
+    EXPECT_EQ(U8(CStr(texto)), "1.5");
+    EXPECT_TRUE(CBool(texto));
+    EXPECT_EQ(CCur(anidado).escalado, 125000);
+
+    const Variant sinValor(std::make_shared<Objeto>());
+    const Variant circular(std::make_shared<ObjetoCircular>());
+    struct Caso {
+        const Variant& valor;
+        int32_t error;
+    };
+    for (const Caso& c : {Caso{Variant::Nada(), 91}, Caso{sinValor, 438}, Caso{circular, 13}}) {
+        EXPECT_EQ(NumeroDeError([&] { CStr(c.valor); }), c.error);
+        EXPECT_EQ(NumeroDeError([&] { CDbl(c.valor); }), c.error);
+        EXPECT_EQ(NumeroDeError([&] { CBool(c.valor); }), c.error);
+        EXPECT_EQ(NumeroDeError([&] { CDate(c.valor); }), c.error);
+    }
+}
+
+TEST(ConversionesDeNull, Error94) {
+    const Variant nulo = Variant::Nulo();
+    EXPECT_EQ(NumeroDeError([&] { CStr(nulo); }), 94);
+    EXPECT_EQ(NumeroDeError([&] { CDbl(nulo); }), 94);
+    EXPECT_EQ(NumeroDeError([&] { CSng(nulo); }), 94);
+    EXPECT_EQ(NumeroDeError([&] { CBool(nulo); }), 94);
+    EXPECT_EQ(NumeroDeError([&] { CCur(nulo); }), 94);
+}
+
+TEST(ConversionASencillo, Desbordamiento) {
+    EXPECT_EQ(CSng(1e38), 1e38f);
+    EXPECT_EQ(NumeroDeError([] { CSng(1e39); }), 6);
+    EXPECT_EQ(NumeroDeError([] { CSng(-1e39); }), 6);
+    EXPECT_EQ(CSng(Moneda{15000}), 1.5f);
+}
+
+}  // namespace
+}  // namespace kalo
