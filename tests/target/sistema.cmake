@@ -1,0 +1,1 @@
+# Tests of this area: target_sources(pruebas PRIVATE ${CMAKE_CURRENT_LIST_DIR}/...) or add_test(...)
