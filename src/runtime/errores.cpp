@@ -14,13 +14,14 @@ struct Descripcion {
 };
 
 // Sorted by number for the binary search below.
-constexpr std::array<Descripcion, 24> kDescripciones{{
+constexpr std::array<Descripcion, 26> kDescripciones{{
     {5, u"Llamada a procedimiento o argumento no válido"},
     {6, u"Desbordamiento"},
     {7, u"Memoria insuficiente"},
     {9, u"El subíndice está fuera del intervalo"},
     {11, u"División por cero"},
     {13, u"No coinciden los tipos"},
+    {14, u"Espacio insuficiente para cadenas"},
     {52, u"Nombre o número de archivo incorrecto"},
     {53, u"No se encontró el archivo"},
     {57, u"Error de E/S en el dispositivo"},
@@ -38,6 +39,7 @@ constexpr std::array<Descripcion, 24> kDescripciones{{
     {448, u"No se encontró el argumento con nombre"},
     {449, u"El argumento no es opcional"},
     {450, u"Número de argumentos erróneo o asignación de propiedad no válida"},
+    {481, u"Imagen no válida"},
     {482, u"Error de impresora"},
 }};
 

@@ -1,0 +1,51 @@
+#pragma once
+
+// The connection to a report spool file, the object an Impresora keeps in
+// `sq`. One statement per call: text that would run a second statement is
+// refused, so nothing smuggled into a recorded value can execute.
+
+#include <QString>
+
+#include "kaloimpresora/automatizacion.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace kalo {
+
+// Error number of a failed spool-file operation (the runtime's range for
+// errors of objects).
+inline constexpr int32_t kErrorDeBaseDeDatos = -2147221504 + 1001;
+
+class ConexionDeReporte : public Objeto {
+public:
+    ConexionDeReporte() = default;
+    ~ConexionDeReporte() override;
+    ConexionDeReporte(const ConexionDeReporte&) = delete;
+    ConexionDeReporte& operator=(const ConexionDeReporte&) = delete;
+
+    // Opens (creating it if needed) the file; an open connection is closed first.
+    void Abre(const QString& ruta);
+    void Cierra();
+    bool abierta() const { return bd_ != nullptr; }
+    const QString& ruta() const { return ruta_; }
+
+    void Ejecuta(const QString& sql);
+    // Runs a query and tells whether it returned a row.
+    bool HayRenglones(const QString& sql);
+    // Folds the write-ahead log into the file so the file alone is complete.
+    void Consolida();
+
+    int32_t IdDeNombre(const QString& nombre) const override;
+    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) override;
+
+private:
+    [[noreturn]] void Falla(const QString& que) const;
+    // Prepares exactly one statement; the caller finalizes it.
+    sqlite3_stmt* Prepara(const QString& sql);
+
+    sqlite3* bd_ = nullptr;
+    QString ruta_;
+};
+
+}  // namespace kalo

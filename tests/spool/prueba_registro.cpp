@@ -1,0 +1,250 @@
+// The report spool file, read back with SQLite.
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QRegularExpression>
+
+#include "comun/acceso_interno.h"
+#include "comun/objeto_grabador.h"
+#include "comun/utilerias_de_prueba.h"
+#include "kaloimpresora/impresora.h"
+#include "kaloimpresora/impresoras.h"
+#include "target/modulo4.h"
+
+using namespace kalo;
+using namespace Qt::StringLiterals;
+using kalo::prueba::ConLocal;
+using kalo::prueba::NumeroDeError;
+using kalo::prueba::ObjetoGrabador;
+
+namespace {
+
+using Fila = std::vector<QString>;
+
+// Every row of a query, each column as text ("<null>" for NULL).
+std::vector<Fila> Consulta(const QString& archivo, const char* sql) {
+    sqlite3* bd = nullptr;
+    std::vector<Fila> filas;
+    if (sqlite3_open_v2(archivo.toUtf8().constData(), &bd, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK) {
+        sqlite3_close(bd);
+        ADD_FAILURE() << "no abre " << archivo.toStdString();
+        return filas;
+    }
+    sqlite3_stmt* s = nullptr;
+    if (sqlite3_prepare_v2(bd, sql, -1, &s, nullptr) == SQLITE_OK) {
+        while (sqlite3_step(s) == SQLITE_ROW) {
+            Fila f;
+            for (int c = 0; c < sqlite3_column_count(s); ++c) {
+                const auto* t = sqlite3_column_text(s, c);
+                f.push_back(t ? QString::fromUtf8(reinterpret_cast<const char*>(t)) : u"<null>"_s);
+            }
+            filas.push_back(f);
+        }
+    } else {
+        ADD_FAILURE() << sqlite3_errmsg(bd);
+    }
+    sqlite3_finalize(s);
+    sqlite3_close(bd);
+    return filas;
+}
+
+class Registro : public ::testing::Test {
+protected:
+    void SetUp() override {
+        modulo4::Estado() = {};
+        EstableceImpresoraActual(std::make_shared<ObjetoGrabador>());
+        imp.Pantalla = true;
+        imp.Archivo = true;
+    }
+    void TearDown() override {
+        EstableceImpresoraActual(nullptr);
+        for (const QString& f : creados) {
+            imp.sq = nullptr;
+            for (const char* sufijo : {"", "-wal", "-shm"}) QFile::remove(f + QString::fromLatin1(sufijo));
+        }
+    }
+    QString Archivo() {
+        if (!imp.DB.isEmpty() && !creados.contains(imp.DB)) creados << imp.DB;
+        return imp.DB;
+    }
+
+    Impresora imp;
+    QStringList creados;
+};
+
+TEST_F(Registro, ElPrimerComandoCreaElArchivoJuntoALaBiblioteca) {
+    imp.IniciaDocumento();
+    const QFileInfo archivo(Archivo());
+    ASSERT_TRUE(archivo.exists()) << imp.DB.toStdString();
+    EXPECT_TRUE(QRegularExpression(u"^\\d{6}(1?\\d)\\.rep$"_s).match(archivo.fileName()).hasMatch())
+        << archivo.fileName().toStdString();
+    EXPECT_NE(imp.sq, nullptr);
+    const auto esquema = Consulta(archivo.filePath(), "SELECT type, name, sql FROM sqlite_master ORDER BY rowid");
+    ASSERT_EQ(esquema.size(), 3u);
+    EXPECT_EQ(esquema[0][2],
+              u"CREATE TABLE source( pagina INTEGER, source TEXT, row INTEGER, contenido TEXT, fuente TEXT, fsize "
+              "REAL, nrow REAL, ncol REAL, bold INTEGER, italic INTEGER )"_s);
+    EXPECT_EQ(esquema[1][2], u"CREATE INDEX paginarow ON source( pagina, row )"_s);
+    EXPECT_EQ(esquema[2][2], u"CREATE TABLE header( paginas INTEGER )"_s);
+}
+
+TEST_F(Registro, UnDocumentoDeTresPaginas) {
+    imp.IniciaDocumento();
+    imp.PaginaNueva();
+    EXPECT_EQ(Consulta(Archivo(), "SELECT paginas FROM header"), (std::vector<Fila>{{u"2"_s}}));
+    imp.PaginaNueva();
+    imp.FinDocumento();
+    const auto filas = Consulta(Archivo(),
+                                "SELECT pagina, row, source, contenido, fuente, fsize, nrow, ncol, bold, italic "
+                                "FROM source ORDER BY pagina, row");
+    const std::vector<Fila> esperadas = {
+        {u"1"_s, u"1"_s, u"IniciaDocumento\r\n"_s, u""_s, u""_s, u"0.0"_s, u"0.0"_s, u"0.0"_s, u"0"_s, u"0"_s},
+        {u"2"_s, u"2"_s, u"PaginaNueva\r\n"_s, u""_s, u""_s, u"0.0"_s, u"0.0"_s, u"0.0"_s, u"0"_s, u"0"_s},
+        {u"3"_s, u"3"_s, u"PaginaNueva\r\n"_s, u""_s, u""_s, u"0.0"_s, u"0.0"_s, u"0.0"_s, u"0"_s, u"0"_s},
+        {u"3"_s, u"4"_s, u"FinDocumento\r\n"_s, u""_s, u""_s, u"0.0"_s, u"0.0"_s, u"0.0"_s, u"0"_s, u"0"_s},
+    };
+    EXPECT_EQ(filas, esperadas);
+    EXPECT_EQ(Consulta(Archivo(), "SELECT paginas FROM header"), (std::vector<Fila>{{u"3"_s}}));
+    // After FinDocumento the file alone holds everything: no pending log.
+    EXPECT_EQ(QFileInfo(Archivo() + u"-wal"_s).size(), 0);
+}
+
+TEST_F(Registro, DosDocumentosEnUnMismoArchivo) {
+    imp.IniciaDocumento();
+    imp.FinDocumento();
+    const QString primero = Archivo();
+    imp.IniciaDocumento();
+    imp.PaginaNueva();
+    imp.FinDocumento();
+    EXPECT_EQ(imp.DB, primero);
+    const auto filas = Consulta(primero, "SELECT pagina, row FROM source ORDER BY row");
+    const std::vector<Fila> esperadas = {{u"1"_s, u"1"_s}, {u"1"_s, u"2"_s}, {u"1"_s, u"3"_s},
+                                         {u"2"_s, u"4"_s}, {u"2"_s, u"5"_s}};
+    EXPECT_EQ(filas, esperadas);
+    // Clearing DB starts a new file at the next recorded command.
+    imp.DB.clear();
+    imp.IniciaDocumento();
+    EXPECT_NE(Archivo(), primero);
+    EXPECT_EQ(Consulta(imp.DB, "SELECT row FROM source"), (std::vector<Fila>{{u"6"_s}}));
+}
+
+TEST_F(Registro, SinPantallaNoSeEscribeNadaPeroSeCuenta) {
+    imp.Pantalla = false;
+    imp.IniciaDocumento();
+    imp.PaginaNueva();
+    EXPECT_TRUE(imp.DB.isEmpty());
+    EXPECT_EQ(imp.nLinea, 2);
+    EXPECT_EQ(imp.sq, nullptr);
+    imp.Pantalla = true;
+    imp.Archivo = false;
+    imp.PaginaNueva();
+    EXPECT_TRUE(imp.DB.isEmpty());
+    EXPECT_EQ(imp.nLinea, 3);
+}
+
+TEST_F(Registro, ColumnasYComillasComoLasEscribeElRegistrador) {
+    ConLocal local("en_US");
+    imp.Paginas = 1;
+    AccesoInterno::RegistraComando(imp, u"Say Fn(\"1\"),Fn(\"2\"),\"a''b\""_s, 6, 2 / 0.10625, u"a\"b'c"_s);
+    AccesoInterno::RegistraComando(imp, u"EstableceFuente \"Arial\",Fn(\"10\")"_s, 0, 0, {}, u"Arial"_s, 10);
+    AccesoInterno::RegistraComando(imp, u"FontBold False"_s, 0, 0, {}, {}, 0, true);
+    AccesoInterno::RegistraComando(imp, u"FontItalic True"_s, 0, 0, {}, {}, 0, false, true);
+    const auto filas =
+        Consulta(Archivo(), "SELECT source, nrow, ncol, contenido, fuente, fsize, bold, italic FROM source ORDER BY row");
+    ASSERT_EQ(filas.size(), 4u);
+    EXPECT_EQ(filas[0][0], u"Say Fn(\"1\"),Fn(\"2\"),\"a''b\"\r\n"_s);
+    EXPECT_EQ(filas[0][1], u"6.0"_s);
+    EXPECT_EQ(filas[0][2].left(14), u"18.82352941176"_s);
+    EXPECT_EQ(filas[0][3], u"a\"b'c"_s);
+    EXPECT_EQ(filas[1][4], u"Arial"_s);
+    EXPECT_EQ(filas[1][5], u"10.0"_s);
+    EXPECT_NE(filas[2][6], u"0"_s);
+    EXPECT_EQ(filas[2][7], u"0"_s);
+    EXPECT_NE(filas[3][7], u"0"_s);
+}
+
+TEST_F(Registro, RenglonesQueSePierdenSinDetenerElDocumento) {
+    imp.IniciaDocumento();
+    // A font name with a quote breaks the statement.
+    AccesoInterno::RegistraComando(imp, u"EstableceFuente \"O'Neil\",Fn(\"9\")"_s, 0, 0, {}, u"O'Neil"_s, 9);
+    // Text that would run a second statement never runs.
+    AccesoInterno::RegistraComando(imp, u"EstableceFuente \"x\",Fn(\"9\")"_s, 0, 0, {},
+                                   u"x', 0, 0, 0 ); DROP TABLE header; --"_s, 9);
+    {
+        // In a comma locale a fractional nrow adds a value: the row is lost.
+        ConLocal local("es_ES");
+        AccesoInterno::RegistraComando(imp, u"Say Fn(\"1.5\"),Fn(\"0\"),\"x\""_s, 1.5, 0, u"x"_s);
+        AccesoInterno::RegistraComando(imp, u"Say Fn(\"1\"),Fn(\"0\"),\"y\""_s, 6, 0, u"y"_s);
+    }
+    imp.PaginaNueva();
+    EXPECT_EQ(imp.nLinea, 6);
+    const auto filas = Consulta(Archivo(), "SELECT row FROM source ORDER BY row");
+    EXPECT_EQ(filas, (std::vector<Fila>{{u"1"_s}, {u"5"_s}, {u"6"_s}}));
+    EXPECT_EQ(Consulta(Archivo(), "SELECT paginas FROM header"), (std::vector<Fila>{{u"2"_s}}));
+}
+
+TEST_F(Registro, UnArchivoInutilizableNoDetieneNada) {
+    imp.DB = u"/proc/no/se/puede.rep"_s;
+    EXPECT_NO_THROW(imp.IniciaDocumento());
+    EXPECT_EQ(imp.nLinea, 1);
+    // Called by the host, the same failure is reported.
+    imp.DB.clear();
+    imp.CreaBaseDeDatos();
+    Archivo();
+    EXPECT_TRUE(QFileInfo::exists(imp.DB));
+    imp.nLinea = INT32_MAX;
+    EXPECT_EQ(NumeroDeError([&] { imp.PaginaNueva(); }), 6);
+}
+
+TEST_F(Registro, TextoFnEscribePuntoDecimalYCuatroDecimales) {
+    struct Caso {
+        Variant valor;
+        const char* texto;
+    } casos[] = {{2.5, "Fn(\"2.5\")"},     {2, "Fn(\"2\")"},         {1.23456, "Fn(\"1.2346\")"},
+                 {u"3,5"_s, "Fn(\"3.5\")"}, {-0.00004, "Fn(\"0\")"}, {0.00025, "Fn(\"0.0002\")"}};
+    ConLocal local("es_ES");
+    for (const auto& c : casos)
+        EXPECT_EQ(AccesoInterno::TextoFn(imp, c.valor), QString::fromLatin1(c.texto)) << c.texto;
+    EXPECT_EQ(NumeroDeError([&] { AccesoInterno::TextoFn(imp, u"x"_s); }), 13);
+}
+
+TEST_F(Registro, UnProcesoMuertoConservaCadaRenglonConfirmado) {
+    QProcess hijo;
+    hijo.start(QStringLiteral(KALO_PROCESO_QUE_MUERE), {u"25"_s});
+    ASSERT_TRUE(hijo.waitForFinished(30000));
+    EXPECT_EQ(hijo.exitStatus(), QProcess::CrashExit);
+    const QString archivo = QString::fromUtf8(hijo.readAllStandardOutput()).trimmed();
+    ASSERT_TRUE(QFileInfo::exists(archivo)) << archivo.toStdString();
+    creados << archivo;
+    EXPECT_EQ(Consulta(archivo, "PRAGMA integrity_check"), (std::vector<Fila>{{u"ok"_s}}));
+    EXPECT_EQ(Consulta(archivo, "SELECT count(*), max(row) FROM source"), (std::vector<Fila>{{u"26"_s, u"26"_s}}));
+}
+
+TEST_F(Registro, BorraArchivoBorraLoQueNombraStrTemp) {
+    const QString carpeta = QDir::tempPath() + u"/kalo-borra-"_s + QString::number(QCoreApplication::applicationPid());
+    QDir().mkpath(carpeta);
+    for (const char* n : {"a.tmp", "b.tmp", "c.txt"}) {
+        QFile f(carpeta + u'/' + QString::fromLatin1(n));
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    }
+    imp.strTemp = carpeta + u"/a.tmp"_s;
+    imp.BorraArchivo();
+    EXPECT_FALSE(QFileInfo::exists(carpeta + u"/a.tmp"_s));
+    imp.strTemp = carpeta + u"/*.tmp"_s;
+    imp.BorraArchivo();
+    EXPECT_FALSE(QFileInfo::exists(carpeta + u"/b.tmp"_s));
+    EXPECT_TRUE(QFileInfo::exists(carpeta + u"/c.txt"_s));
+    for (const char* t : {"", "/no/existe", "/proc/1/mem"}) {
+        imp.strTemp = QString::fromLatin1(t);
+        EXPECT_NO_THROW(imp.BorraArchivo());
+    }
+    QDir(carpeta).removeRecursively();
+}
+
+}  // namespace
