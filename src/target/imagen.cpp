@@ -1,0 +1,67 @@
+#include "target/imagen.h"
+
+#include <QFileInfo>
+#include <QImageReader>
+#include <cmath>
+
+#include "automation/interfaz.h"
+
+namespace kalo {
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr double kHimetricoPorPulgada = 2540;
+constexpr int16_t kTipoMapaDeBits = 1;
+
+std::vector<Miembro<Imagen>> Miembros() {
+    auto soloLectura = [](Imagen&, const Variant&) { Lanza(err::kNoAdmitePropiedadOMetodo); };
+    std::vector<Miembro<Imagen>> m;
+    // There is no platform handle behind a picture here; 0 keeps code that
+    // reads it working.
+    m.push_back(PropiedadConProcedimientos<Imagen>(
+        u"Handle"_s, 0, TipoDato::Largo, [](Imagen&) { return Variant(int32_t{0}); }, soloLectura));
+    m.push_back(PropiedadConProcedimientos<Imagen>(
+        u"Width"_s, 4, TipoDato::Largo, [](Imagen& i) { return Variant(i.AnchoHimetrico()); }, soloLectura));
+    m.push_back(PropiedadConProcedimientos<Imagen>(
+        u"Height"_s, 5, TipoDato::Largo, [](Imagen& i) { return Variant(i.AltoHimetrico()); }, soloLectura));
+    m.push_back(PropiedadConProcedimientos<Imagen>(
+        u"Type"_s, 3, TipoDato::Entero,
+        [](Imagen& i) { return Variant(int16_t(i.imagen().isNull() ? 0 : kTipoMapaDeBits)); }, soloLectura));
+    return m;
+}
+
+const Interfaz<Imagen>& InterfazImagen() {
+    static const Interfaz<Imagen> interfaz(u"Picture"_s, Miembros());
+    return interfaz;
+}
+
+}  // namespace
+
+Imagen::Imagen(QImage imagen, double puntosPorPulgada)
+    : imagen_(std::move(imagen)), ppp_(puntosPorPulgada > 0 ? puntosPorPulgada : 96) {}
+
+int32_t Imagen::AnchoHimetrico() const {
+    return static_cast<int32_t>(std::lround(imagen_.width() * kHimetricoPorPulgada / ppp_));
+}
+
+int32_t Imagen::AltoHimetrico() const {
+    return static_cast<int32_t>(std::lround(imagen_.height() * kHimetricoPorPulgada / ppp_));
+}
+
+int32_t Imagen::IdDeNombre(const QString& nombre) const { return InterfazImagen().IdDeNombre(nombre); }
+
+Variant Imagen::Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) {
+    return InterfazImagen().Invoca(*this, dispid, tipo, argumentos);
+}
+
+std::shared_ptr<Imagen> CargaImagen(const QString& ruta) {
+    if (ruta.isEmpty() || !QFileInfo(ruta).isFile()) Lanza(err::kArchivoNoEncontrado);
+    QImageReader lector(ruta);
+    QImage imagen = lector.read();
+    if (imagen.isNull()) Lanza(kErrorImagenNoValida);
+    return std::make_shared<Imagen>(std::move(imagen));
+}
+
+}  // namespace kalo
