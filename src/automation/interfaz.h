@@ -92,6 +92,7 @@ public:
     explicit Interfaz(QString nombreDeClase, std::vector<Miembro<Clase>> miembros)
         : nombreDeClase_(std::move(nombreDeClase)), miembros_(std::move(miembros)) {
         for (size_t i = 0; i < miembros_.size(); ++i) {
+            porNombreExacto_.insert(miembros_[i].nombre, i);
             porNombre_.insert(miembros_[i].nombre.toCaseFolded(), i);
             porId_.insert(miembros_[i].dispid, i);
         }
@@ -100,6 +101,9 @@ public:
     const std::vector<Miembro<Clase>>& miembros() const { return miembros_; }
 
     int32_t IdDeNombre(const QString& nombre) const {
+        // Names usually come spelled as declared: no case folding, no allocation.
+        if (auto exacto = porNombreExacto_.constFind(nombre); exacto != porNombreExacto_.cend())
+            return miembros_[*exacto].dispid;
         auto it = porNombre_.constFind(nombre.toCaseFolded());
         return it == porNombre_.cend() ? kDispidDesconocido : miembros_[*it].dispid;
     }
@@ -112,48 +116,50 @@ public:
     Variant Invoca(Clase& objeto, int32_t dispid, Llamada tipo, std::span<Variant> argumentos) const {
         const Miembro<Clase>* m = PorId(dispid);
         if (!m) Lanza(err::kNoAdmitePropiedadOMetodo, nombreDeClase_);
-        const QString origen = nombreDeClase_ + u'.' + m->nombre;
+        // Built only when something fails: this is every call's path.
+        const auto origen = [&] { return nombreDeClase_ + u'.' + m->nombre; };
         const bool lectura = tipo == Llamada::LeePropiedad || tipo == Llamada::Metodo;
         switch (m->clase) {
         case ClaseDeMiembro::PropiedadValor:
         case ClaseDeMiembro::PropiedadObjeto: {
             if (lectura) {
-                if (!argumentos.empty()) Lanza(err::kNumeroDeArgumentosErroneo, origen);
+                if (!argumentos.empty()) Lanza(err::kNumeroDeArgumentosErroneo, origen());
                 return m->lee(objeto);
             }
             const bool esperaObjeto = m->clase == ClaseDeMiembro::PropiedadObjeto;
             if (esperaObjeto != (tipo == Llamada::AsignaReferencia))
-                Lanza(err::kNoAdmitePropiedadOMetodo, origen);
-            if (argumentos.size() != 1) Lanza(err::kNumeroDeArgumentosErroneo, origen);
-            if (esperaObjeto && !argumentos[0].esObjeto()) Lanza(err::kSeRequiereObjeto, origen);
+                Lanza(err::kNoAdmitePropiedadOMetodo, origen());
+            if (argumentos.size() != 1) Lanza(err::kNumeroDeArgumentosErroneo, origen());
+            if (esperaObjeto && !argumentos[0].esObjeto()) Lanza(err::kSeRequiereObjeto, origen());
             m->asigna(objeto, ConOrigen(origen, [&] { return Coacciona(argumentos[0], m->tipo); }));
             return Variant();
         }
         case ClaseDeMiembro::Metodo: {
-            if (!lectura) Lanza(err::kNoAdmitePropiedadOMetodo, origen);
+            if (!lectura) Lanza(err::kNoAdmitePropiedadOMetodo, origen());
             std::vector<Variant> ranuras = ConOrigen(origen, [&] {
                 return PreparaArgumentos(m->parametros, argumentos);
             });
             if (!m->llama) {
-                LanzaNoDisponible(m->nombre, origen);
+                LanzaNoDisponible(m->nombre, origen());
             }
+            if (argumentos.empty()) return m->llama(objeto, ranuras);
             std::vector<Variant> antes = ranuras;
             Variant resultado = m->llama(objeto, ranuras);
             DevuelvePorReferencia(m->parametros, antes, ranuras, argumentos);
             return resultado;
         }
         }
-        Lanza(err::kNoAdmitePropiedadOMetodo, origen);
+        Lanza(err::kNoAdmitePropiedadOMetodo, origen());
     }
 
 private:
-    template <class F>
-    static auto ConOrigen(const QString& origen, F&& f) -> decltype(f()) {
+    template <class O, class F>
+    static auto ConOrigen(const O& origen, F&& f) -> decltype(f()) {
         try {
             return f();
         } catch (const ErrorDeAutomatizacion& e) {
             if (!e.origen().isEmpty()) throw;
-            throw ErrorDeAutomatizacion(e.numero(), e.descripcion(), origen);
+            throw ErrorDeAutomatizacion(e.numero(), e.descripcion(), origen());
         }
     }
 
@@ -169,6 +175,7 @@ private:
 
     QString nombreDeClase_;
     std::vector<Miembro<Clase>> miembros_;
+    QHash<QString, size_t> porNombreExacto_;
     QHash<QString, size_t> porNombre_;
     QHash<int32_t, size_t> porId_;
 };

@@ -1,0 +1,141 @@
+// Lines, boxes, circles and pictures through recording targets.
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QImage>
+
+#include "comun/objeto_grabador.h"
+#include "comun/utilerias_de_prueba.h"
+#include "kaloimpresora/impresora.h"
+#include "target/imagen.h"
+#include "kaloimpresora/impresoras.h"
+#include "target/modulo4.h"
+
+using namespace kalo;
+using namespace Qt::StringLiterals;
+using kalo::prueba::NumeroDeError;
+using kalo::prueba::ObjetoGrabador;
+
+namespace {
+
+class Graficos : public ::testing::TestWithParam<bool> {
+protected:
+    void SetUp() override {
+        modulo4::Estado() = {};
+        impresora = std::make_shared<ObjetoGrabador>();
+        impresora->Pon(u"ScaleWidth"_s, 8.0f);
+        impresora->Pon(u"ScaleHeight"_s, 10.5f);
+        EstableceImpresoraActual(impresora);
+        vista = std::make_shared<ObjetoGrabador>();
+        vista->Pon(u"ScaleWidth"_s, 8.5);
+        vista->Pon(u"ScaleHeight"_s, 11.0);
+        imp.Imagen2 = vista;
+        imp.Pantalla = !EnImpresora();
+        imp.IniciaDocumento();
+    }
+    void TearDown() override { EstableceImpresoraActual(nullptr); }
+
+    bool EnImpresora() const { return GetParam(); }
+    ObjetoGrabador& Destino() { return EnImpresora() ? *impresora : *vista; }
+    // Arguments of the last call of a member on the active target.
+    std::vector<Variant> Ultimo(const QString& miembro) {
+        auto llamados = Destino().De(miembro);
+        return llamados.empty() ? std::vector<Variant>{} : llamados.back().argumentos;
+    }
+
+    Impresora imp;
+    std::shared_ptr<ObjetoGrabador> impresora, vista;
+};
+
+TEST_P(Graficos, LineaVaAlOrillaIzquierdaYDesplazaSoloEnLaImpresora) {
+    imp.Linea(1, 2, 3, u"4"_s);
+    const auto a = Ultimo(u"Line"_s);
+    ASSERT_EQ(a.size(), 6u);
+    EXPECT_TRUE(a[0].identico(Variant(int16_t{4})));
+    if (EnImpresora()) {
+        EXPECT_TRUE(a[1].identico(Variant(0.75f)));
+        EXPECT_TRUE(a[2].identico(Variant(1.75f)));
+        EXPECT_TRUE(a[4].identico(Variant(3.75f)));
+        EXPECT_TRUE(a[5].identico(Variant(int32_t{0})));
+        EXPECT_TRUE(impresora->Valor(u"CurrentX"_s).identico(Variant(-0.25f)));
+    } else {
+        EXPECT_TRUE(a[4].identico(Variant(u"4"_s)));
+        EXPECT_TRUE(a[5].identico(Variant(int16_t{0})));
+        EXPECT_TRUE(vista->Valor(u"CurrentX"_s).esVacio());
+    }
+    // Box leaves the position alone.
+    Destino().llamados.clear();
+    imp.Box(1, 1, 1, 1);
+    EXPECT_TRUE(Destino().De(u"CurrentX"_s).empty());
+}
+
+TEST_P(Graficos, CajasSumanComoVariantes) {
+    imp.Box(u"1"_s, 0, u"2"_s, 1);
+    auto a = Ultimo(u"Line"_s);
+    ASSERT_EQ(a.size(), 6u);
+    EXPECT_TRUE(a[0].identico(Variant(int16_t{20})));
+    if (EnImpresora())
+        EXPECT_TRUE(a[3].identico(Variant(11.75f)));  // "1" & "2" = "12", less the offset
+    else
+        EXPECT_TRUE(a[3].identico(Variant(u"12"_s)));
+    imp.FilledBox(1, 0, 2, 1, u"255"_s);
+    a = Ultimo(u"Line"_s);
+    EXPECT_TRUE(a[0].identico(Variant(int16_t{38})));
+    EXPECT_EQ(CDbl(a[3]), EnImpresora() ? 2.75 : 3);
+    EXPECT_TRUE(a[5].identico(EnImpresora() ? Variant(int32_t{255}) : Variant(u"255"_s)));
+}
+
+TEST_P(Graficos, CirculoSinElMiembroFallaAlAnfitrion) {
+    imp.PCircle(2, 3, 1);
+    const auto a = Ultimo(u"Circle"_s);
+    ASSERT_EQ(a.size(), 8u);
+    EXPECT_EQ(CDbl(a[1]), EnImpresora() ? 1.75 : 2);
+    EXPECT_EQ(CDbl(a[3]), 1);
+    // A target that lacks Circle: the circle fails to the host, the line is silent.
+    auto parcial = std::make_shared<ObjetoGrabador>(QStringList{u"ScaleMode"_s});
+    if (EnImpresora())
+        EstableceImpresoraActual(parcial);
+    else
+        modulo4::Estado().objDestino = parcial;
+    EXPECT_NO_THROW(imp.Linea(0, 0, 1, 1));
+    EXPECT_EQ(NumeroDeError([&] { imp.PCircle(1, 1, 1); }), 438);
+}
+
+TEST_P(Graficos, ImagenesSinDesplazarYArchivosQueFaltan) {
+    // One file per process: ctest runs the instances side by side.
+    const QString archivo =
+        QDir::tempPath() + u"/kalo-prueba-imagen-%1.png"_s.arg(QCoreApplication::applicationPid());
+    QImage(2, 2, QImage::Format_RGB32).save(archivo);
+    imp.Picture(archivo, 1, 2, 3, 4);
+    auto a = Ultimo(u"PaintPicture"_s);
+    ASSERT_EQ(a.size(), 5u);
+    ASSERT_NE(std::dynamic_pointer_cast<Imagen>(a[0].objeto()), nullptr);
+    EXPECT_EQ(std::dynamic_pointer_cast<Imagen>(a[0].objeto())->imagen().size(), QSize(2, 2));
+    EXPECT_TRUE(a[1].identico(EnImpresora() ? Variant(1.0f) : Variant(int32_t{1})));
+    EXPECT_TRUE(a[3].identico(Variant(int32_t{3})));
+    QFile::remove(archivo);
+
+    EXPECT_NO_THROW(imp.Picture(u"/no/existe.png"_s, 1, 2, 3, 4));
+    a = Ultimo(u"PaintPicture"_s);
+    ASSERT_EQ(a.size(), 5u);
+    EXPECT_TRUE(a[0].esObjeto());
+    EXPECT_EQ(a[0].objeto(), nullptr);
+}
+
+TEST_P(Graficos, ArgumentosQueNoSonNumerosNoRegistranNiDibujan) {
+    const int32_t antes = imp.nLinea;
+    Destino().llamados.clear();
+    EXPECT_EQ(NumeroDeError([&] { imp.Box(u"uno"_s, 0, 1, 1); }), 13);
+    EXPECT_EQ(NumeroDeError([&] { imp.FilledBox(0, 0, 1, 1, Variant::Nulo()); }), 94);
+    EXPECT_EQ(NumeroDeError([&] { imp.Picture(u"x.png"_s, 0, 0, u"ancho"_s, 1); }), 13);
+    EXPECT_EQ(imp.nLinea, antes);
+    EXPECT_TRUE(Destino().llamados.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(ImpresoraYVista, Graficos, ::testing::Values(true, false),
+                         [](const auto& info) { return info.param ? "Impresora" : "Vista"; });
+
+}  // namespace
