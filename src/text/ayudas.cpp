@@ -5,6 +5,8 @@
 
 #include "kaloimpresora/impresora.h"
 #include "kaloimpresora/utilerias.h"
+#include "text/aleatorio.h"
+#include "text/formato.h"
 
 namespace kalo {
 
@@ -15,7 +17,7 @@ constexpr double kLargoMaximo = 1 << 28;
 
 QString Espacios(double cuantos) {
     if (cuantos <= 0) return {};
-    if (cuantos > kLargoMaximo) Lanza(14);
+    if (cuantos > kLargoMaximo) Lanza(err::kEspacioDeCadenaInsuficiente);
     return QString(static_cast<qsizetype>(cuantos), u' ');
 }
 
@@ -32,7 +34,7 @@ QString Impresora::Replicate(const Variant& strChr, const Variant& nVeces) {
     if (veces <= 0 || strChr.esNulo()) return {};
     const QString pieza = CStr(strChr);
     if (pieza.isEmpty()) return {};
-    if (veces * pieza.size() > kLargoMaximo) Lanza(14);
+    if (veces * pieza.size() > kLargoMaximo) Lanza(err::kEspacioDeCadenaInsuficiente);
     return pieza.repeated(static_cast<qsizetype>(veces));
 }
 
@@ -91,5 +93,21 @@ double Impresora::Fn(const QString& strValue) {
     }
     return CDbl(Variant(local));
 }
+
+Variant Impresora::Formato(const Variant& Var, const Variant& strFormat) { return kalo::Formato(Var, strFormat); }
+
+QString Impresora::Letra(const Variant& nNumero, const Variant& Leyenda, const Variant& Decimales,
+                         const Variant& strLeyenda2) {
+    Utilerias& util = UtileriasCompartidas();
+    QString leyenda2 = CStr(strLeyenda2);
+    bool decimales = CBool(Decimales);
+    QString leyenda = CStr(Leyenda);
+    double numero = CDbl(nNumero);
+    return util.ImporteEnLetra(numero, leyenda, decimales, leyenda2);
+}
+
+double Impresora::Random() { return SiguienteAleatorio(); }
+
+int32_t Impresora::RandomColor() { return ColorAleatorio(); }
 
 }  // namespace kalo

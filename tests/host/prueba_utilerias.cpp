@@ -65,10 +65,7 @@ TEST(Utilerias, TextoDeValorBuscaTextoYSeparador) {
 
 TEST(Utilerias, OperacionesAunNoDisponiblesFallanConClaridad) {
     UtileriasPredeterminadas u;
-    double n = 1;
-    QString a, b;
-    bool d = true;
-    EXPECT_EQ(NumeroDeError([&] { u.ImporteEnLetra(n, a, d, b); }), 445);
+    EXPECT_EQ(NumeroDeError([&] { u.FechaDePeriodo(1, 2); }), 445);
     EXPECT_EQ(NumeroDeError([&] { u.AbreConsulta(u"SELECT 1"_s, nullptr, true); }), 445);
 }
 

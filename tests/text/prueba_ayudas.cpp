@@ -2,6 +2,7 @@
 
 #include "comun/utilerias_de_prueba.h"
 #include "kaloimpresora/impresora.h"
+#include "text/aleatorio.h"
 
 using namespace kalo;
 using namespace Qt::StringLiterals;
@@ -134,6 +135,36 @@ TEST(Ayudas, FnPideElSeparadorEnCadaPunto) {
     // Two points become two decimal separators: not a number.
     EXPECT_EQ(NumeroDeError([&] { imp.Fn(u"1.2.3"_s); }), 13);
     EXPECT_EQ(util->veces, 3);
+}
+
+TEST(Ayudas, LetraConvierteEnSuOrdenYDevuelveElTextoTalCual) {
+    Impresora imp;
+    EXPECT_EQ(imp.Llama(u"Letra"_s, {1234.56, u"PESOS"_s, true, u"M.N."_s}).texto(),
+              u"MIL DOSCIENTOS TREINTA Y CUATRO PESOS 56/100 M.N."_s);
+    EXPECT_EQ(imp.Llama(u"Letra"_s, {u"21"_s, u"DÓLARES"_s, 0}).texto(), u"VEINTIÚN DÓLARES"_s);
+    // strLeyenda2, Decimales, Leyenda, nNumero: the first failure in that order wins.
+    EXPECT_EQ(NumeroDeError([&] { imp.Letra(u"mucho"_s, Variant::Nulo(), true); }), 94);
+    EXPECT_EQ(NumeroDeError([&] { imp.Letra(Variant::Nulo(), u"X"_s, u"quizá"_s); }), 13);
+    EXPECT_EQ(NumeroDeError([&] { imp.Letra(u"mucho"_s, u"X"_s, true); }), 13);
+    EXPECT_EQ(NumeroDeError([&] { imp.Letra(1e15, u"X"_s, true); }), 6);
+}
+
+TEST(Ayudas, RandomYRandomColorSiguenLaSecuenciaDelRuntime) {
+    Impresora imp;
+    ReiniciaAleatorio();
+    const Variant primero = imp.Llama(u"Random"_s);
+    EXPECT_TRUE(primero.identico(Variant(static_cast<double>(0.705547512f))));
+    ReiniciaAleatorio();
+    const int32_t color = CLng(imp.Llama(u"RandomColor"_s));
+    EXPECT_EQ(color & 0xFF, static_cast<int>(0.705547512f * 256));
+    EXPECT_EQ(color, 0x9488B4);
+}
+
+TEST(Ayudas, FormatoPorNombre) {
+    ConLocal l("es_ES");
+    Impresora imp;
+    EXPECT_TRUE(imp.Llama(u"Formato"_s, {1234.5, u"#,##0.00"_s}).identico(Variant(u"1.234,50"_s)));
+    EXPECT_EQ(imp.IdDeNombre(u"formato"_s), 0x60030019);
 }
 
 }  // namespace

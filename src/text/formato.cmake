@@ -1,0 +1,1 @@
+target_sources(kaloimpresora PRIVATE ${CMAKE_CURRENT_LIST_DIR}/formato.cpp)

@@ -1,0 +1,1 @@
+target_sources(pruebas PRIVATE ${CMAKE_CURRENT_LIST_DIR}/prueba_formato.cpp)
