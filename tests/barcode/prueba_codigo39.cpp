@@ -1,0 +1,548 @@
+// Code 39 drawn bar by bar: the class on recording targets and on an image,
+// and the Codigo39 method with its record, its message box and its errors.
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <QApplication>
+#include <QFile>
+#include <QImage>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QTimer>
+#include <functional>
+#include <map>
+
+#include "barcode/cls_barcode39.h"
+#include "comun/objeto_grabador.h"
+#include "comun/utilerias_de_prueba.h"
+#include "kaloimpresora/impresora.h"
+#include "kaloimpresora/mensajes.h"
+#include "kaloimpresora/superficies.h"
+#include "target/aplicacion.h"
+#include "target/imagen.h"
+#include "target/impresora_sistema.h"
+#include "target/modulo4.h"
+
+using namespace kalo;
+using namespace Qt::StringLiterals;
+using kalo::prueba::Llamado;
+using kalo::prueba::NumeroDeError;
+using kalo::prueba::ObjetoGrabador;
+
+namespace {
+
+// Published Code 39 widths (bar first, w wide, n narrow) of the characters
+// these tests read back; anything else reads as "?".
+const std::map<QString, QChar> kPublicados = {
+    {u"nwnnwnwnn"_s, u'*'}, {u"wnnwnnnnw"_s, u'1'}, {u"nnwwnnnnw"_s, u'2'}, {u"wnwwnnnnn"_s, u'3'},
+    {u"nnnwwnnnw"_s, u'4'}, {u"wnnwwnnnn"_s, u'5'}, {u"nnwnwwnnn"_s, u'F'}, {u"wnnnnwnnw"_s, u'A'},
+    {u"nnwnnwnnw"_s, u'B'}, {u"wnwnnwnnn"_s, u'C'}, {u"nwwnnnwnn"_s, u' '}};
+
+// The font is a recorder whose calls also land, as "font.<member>", in the
+// target's log, so the order of font changes and prints shows in one place.
+class FuenteEnRegistro : public ObjetoGrabador {
+public:
+    explicit FuenteEnRegistro(ObjetoGrabador& d) : dueno(d) {}
+    Variant Invoca(int32_t id, Llamada tipo, std::span<Variant> a) override {
+        Variant r = ObjetoGrabador::Invoca(id, tipo, a);
+        Llamado l = llamados.back();
+        l.miembro = u"font."_s + l.miembro;
+        dueno.llamados.push_back(l);
+        return r;
+    }
+    ObjetoGrabador& dueno;
+};
+
+std::shared_ptr<ObjetoGrabador> Destino(QStringList soloEstos = {}) {
+    auto d = std::make_shared<ObjetoGrabador>(soloEstos);
+    auto f = std::make_shared<FuenteEnRegistro>(*d);
+    f->Pon(u"Name"_s, u"Courier New"_s);
+    f->Pon(u"Size"_s, 12.0f);
+    f->Pon(u"Bold"_s, true);
+    d->Pon(u"Font"_s, Variant(std::shared_ptr<Objeto>(f)));
+    d->Pon(u"TextWidth"_s, 40.0);
+    d->Pon(u"ScaleMode"_s, int16_t{3});
+    return d;
+}
+
+struct Elemento {
+    double x, y, ancho, alto;
+    int32_t color;
+};
+
+std::vector<Elemento> Barras(const ObjetoGrabador& d) {
+    std::vector<Elemento> r;
+    for (const auto& l : d.De(u"Line"_s))
+        if (CInt(l.argumentos[0]) == 46)
+            r.push_back({CDbl(l.argumentos[1]), CDbl(l.argumentos[2]), CDbl(l.argumentos[3]),
+                         CDbl(l.argumentos[4]), CLng(l.argumentos[5])});
+    return r;
+}
+
+// Reads the symbol back from its bars, checking on the way what every cell
+// must be: nine elements black and white in turn, a white gap, 16 narrows.
+QString Lee39(const std::vector<Elemento>& e, double angosto) {
+    EXPECT_EQ(e.size() % 10, 0u);
+    QString texto;
+    for (size_t c = 0; c + 10 <= e.size(); c += 10) {
+        QString patron;
+        double suma = 0;
+        for (size_t i = 0; i < 10; ++i) {
+            const Elemento& el = e[c + i];
+            EXPECT_EQ(el.color, i % 2 == 0 && i < 9 ? 0 : 0xFFFFFF) << "elemento " << c + i;
+            if (c + i > 0) {
+                EXPECT_FLOAT_EQ(el.x, e[c + i - 1].x + e[c + i - 1].ancho);
+            }
+            suma += el.ancho;
+            if (i < 9) patron += el.ancho > 2 * angosto ? u'w' : u'n';
+        }
+        EXPECT_FLOAT_EQ(e[c + 9].ancho, angosto);
+        EXPECT_FLOAT_EQ(suma, 16 * angosto);
+        EXPECT_EQ(patron.count(u'w'), 3);
+        texto += kPublicados.contains(patron) ? kPublicados.at(patron) : u'?';
+    }
+    return texto;
+}
+
+// "number source" of the automation error the body raised; empty if none.
+template <class F>
+QString Falla(F&& cuerpo) {
+    try {
+        cuerpo();
+    } catch (const ErrorDeAutomatizacion& e) {
+        return QString::number(e.numero()) + u' ' + e.origen();
+    }
+    return {};
+}
+
+QStringList Textos(const std::vector<Variant>& v) {
+    QStringList r;
+    for (const auto& a : v) r << CStr(a);
+    return r;
+}
+
+// The single characters printed under the bars, in order.
+QString Legible(const ObjetoGrabador& d) {
+    QString r;
+    for (const auto& l : d.De(u"Print"_s))
+        if (l.argumentos[0].texto().size() == 1) r += l.argumentos[0].texto();
+    return r;
+}
+
+TEST(BarCode39, LimitesDeLosAjustesVuelvenAlArgumento) {
+    struct Caso {
+        double angosto, angostoGuardado;
+        int16_t alto, altoGuardado;
+    } casos[] = {{5, 11, 100, 300}, {10.9999, 11, 299, 300}, {20.5, 20.5, 1000, 1000}};
+    for (const auto& c : casos) {
+        clsBarCode39 b;
+        Moneda angosto = CCur(c.angosto);
+        b.NarrowX(angosto);
+        int16_t alto = c.alto;
+        b.BarcodeHeight(alto);
+        EXPECT_EQ(angosto, CCur(c.angostoGuardado));
+        EXPECT_EQ(b.NarrowX(), CCur(c.angostoGuardado));
+        EXPECT_EQ(alto, c.altoGuardado);
+        EXPECT_EQ(b.TotalHeight(), c.altoGuardado + 525);
+    }
+    clsBarCode39 b;
+    int16_t alto = 32243;
+    b.BarcodeHeight(alto);
+    EXPECT_EQ(NumeroDeError([&] { b.TotalHeight(); }), err::kDesbordamiento);
+}
+
+TEST(BarCode39, BarcodeRechazaLoQueNoTienePatron) {
+    clsBarCode39 b;
+    for (const QString& malo : {u"ab"_s, u"A_B"_s, u"Ñ"_s, u"12,3"_s}) {
+        b.Barcode(malo);
+        EXPECT_EQ(b.ErrNumber(), 5970) << malo.toStdString();
+        EXPECT_EQ(b.Barcode(), u"*12345*"_s);
+    }
+    b.Barcode(u"A*B -.$/+%"_s);
+    EXPECT_EQ(b.ErrNumber(), 0);
+    EXPECT_EQ(b.Barcode(), u"A*B -.$/+%"_s);
+    EXPECT_EQ(b.ErrDescription(), u"Invalid Charater in the Barcode parameter."_s);
+    b.RaiseError(true);
+    EXPECT_EQ(Falla([&] { b.Barcode(u"ab"_s); }), u"5970 clsBarcode39.Barcode"_s);
+}
+
+TEST(BarCode39, DigitoVerificadorModulo43) {
+    struct {
+        QString codigo, digito;
+        int32_t error;
+    } casos[] = {{u""_s, u"F"_s, 0},         // the stored *12345*: 15
+                 {u"CODE39"_s, u"W"_s, 0},   // 75 mod 43 = 32
+                 {u"Z3"_s, u" "_s, 0},       // 38
+                 {u"*Z8*"_s, u"0"_s, 0},     // 43
+                 {u"%%"_s, u"+"_s, 0},       // 84 mod 43 = 41
+                 {u"1a"_s, u"1"_s, 5970},    // no value, adds nothing
+                 {u"a1"_s, u"1"_s, 0}};      // a valid last character clears it
+    clsBarCode39 b;
+    for (const auto& c : casos) {
+        EXPECT_EQ(b.FindCheckDigit(c.codigo), c.digito) << c.codigo.toStdString();
+        EXPECT_EQ(b.ErrNumber(), c.error);
+    }
+    EXPECT_EQ(NumeroDeError([&] { b.FindCheckDigit(QString(781, u'%')); }), err::kDesbordamiento);
+    b.RaiseError(true);
+    EXPECT_EQ(Falla([&] { b.FindCheckDigit(u"a"_s); }), u"5970 clsBarcode39.FindCode"_s);
+}
+
+TEST(BarCode39, CeldasDeDieciseisAngostosYMarcoDelTamanoTotal) {
+    struct Caso {
+        QString barcode, dibujado;
+        bool marco;
+        int angosto;
+    } casos[] = {{u"12345"_s, u"*12345*"_s, true, 15},
+                 {u"ABC"_s, u"*ABC*"_s, false, 20},
+                 {u"*AB"_s, u"*AB*"_s, true, 11},
+                 {u"A*B"_s, u"*A*B*"_s, true, 15},
+                 {u""_s, u"*"_s, true, 15}};
+    for (const auto& c : casos) {
+        SCOPED_TRACE(c.barcode.toStdString());
+        auto d = Destino();
+        clsBarCode39 b;
+        b.Barcode(c.barcode);
+        b.ShowBox(c.marco);
+        b.CurrentX(1000);
+        b.CurrentY(2000);
+        Moneda n = CCur(c.angosto);
+        b.NarrowX(n);
+        const int32_t anchoAntes = b.TotalWidth();
+        b.Draw(d);
+        EXPECT_EQ(b.ErrNumber(), 0);
+        EXPECT_EQ(b.Barcode(), c.dibujado);
+        EXPECT_EQ(anchoAntes, 16 * c.angosto * c.barcode.size() + 300);
+        EXPECT_EQ(b.TotalWidth(), 16 * c.angosto * c.dibujado.size() + 300);
+
+        const auto e = Barras(*d);
+        ASSERT_EQ(e.size(), 10u * c.dibujado.size());
+        EXPECT_EQ(Lee39(e, c.angosto), c.dibujado);
+        EXPECT_EQ(Legible(*d), c.dibujado);
+        // 150 inside the frame's corner, with or without the frame.
+        EXPECT_EQ(e.front().x, 1150);
+        for (const auto& el : e) EXPECT_TRUE(el.y == 2150 && el.alto == 600);
+        const auto marcos = d->De(u"Line"_s).size() - e.size();
+        ASSERT_EQ(marcos, c.marco ? 1u : 0u);
+        if (c.marco) {
+            const auto m = d->De(u"Line"_s).front().argumentos;
+            EXPECT_EQ(Textos(m), (QStringList{u"30"_s, u"1000"_s, u"2000"_s, QString::number(b.TotalWidth()),
+                                              QString::number(b.TotalHeight()), u"0"_s}));
+        }
+    }
+}
+
+TEST(BarCode39, LosCuarentaYCuatroPatronesSonDeCodigo39) {
+    auto d = Destino();
+    clsBarCode39 b;
+    b.Barcode(u"0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ-. $/+%"_s);
+    b.Draw(d);
+    const auto e = Barras(*d);
+    ASSERT_EQ(e.size(), 450u);
+    QStringList patrones;
+    for (size_t c = 0; c < e.size(); c += 10) {
+        QString barras, espacios;
+        for (size_t i = 0; i < 9; ++i) (i % 2 ? espacios : barras) += e[c + i].ancho > 30 ? u'w' : u'n';
+        // Either two wide bars and one wide space, or the four with three wide spaces.
+        EXPECT_TRUE((barras.count(u'w') == 2 && espacios.count(u'w') == 1) ||
+                    (barras.count(u'w') == 0 && espacios.count(u'w') == 3))
+            << b.Barcode()[c / 10].toLatin1();
+        patrones << barras + espacios;
+    }
+    patrones.removeDuplicates();
+    EXPECT_EQ(patrones.size(), 44);  // the stars are the same twice
+    Lee39(e, 15);  // every cell's colours and 16 narrows
+}
+
+TEST(BarCode39, TextosCentradosEnSuCeldaYFuenteAlTerminar) {
+    auto d = Destino();
+    clsBarCode39 b;
+    b.Barcode(u"1"_s);
+    b.Data1(u"uno"_s);
+    b.Data2(u"dos"_s);
+    b.Data3(u"tres"_s);
+    d->Pon(u"TextWidth"_s, 41.5);  // 240 - 41.5 rounds to 198 (ties to even): 99 in
+    b.Draw(d);
+
+    const QString si = CStr(true), no = CStr(false);
+    QStringList esperado = {u"Lee font.name"_s, u"Lee font.size"_s,
+                            u"Asigna font.name=Arial"_s, u"Asigna font.size=6"_s,
+                            u"Asigna currentx=249"_s, u"Asigna currenty=940"_s, u"Llama print(uno,"_s + si + u')',
+                            u"Asigna currentx=249"_s, u"Asigna currenty=-10"_s, u"Llama print(dos,"_s + si + u')',
+                            u"Asigna font.name=Arial"_s, u"Asigna font.size=10"_s, u"Asigna font.bold="_s + si,
+                            u"Asigna currentx=349"_s, u"Asigna currenty=-50"_s, u"Llama print(tres,"_s + si + u')',
+                            u"Asigna font.name=Tahoma"_s, u"Asigna font.size=8"_s, u"Asigna font.bold="_s + no};
+    for (int celda : {150, 390, 630})
+        esperado << u"Asigna currentx="_s + QString::number(celda + 99) << u"Asigna currenty=780"_s
+                 << u"Llama print("_s + b.Barcode()[(celda - 150) / 240] + u',' + si + u')';
+    esperado << u"Asigna font.name=Courier New"_s << u"Asigna font.size=12"_s;
+    QStringList visto = d->Registro().filter(QRegularExpression(u"font\\.|currentx|currenty|print"_s));
+    EXPECT_EQ(visto, esperado);
+
+    // The halving truncates toward zero after rounding.
+    for (auto [ancho, corrimiento] : {std::pair(40.5, 100), std::pair(243.0, -1)}) {
+        auto otro = Destino();
+        otro->Pon(u"TextWidth"_s, ancho);
+        b.Draw(otro);
+        EXPECT_EQ(CDbl(otro->De(u"CurrentX"_s).front().argumentos[0]), 150 + corrimiento) << ancho;
+    }
+}
+
+TEST(BarCode39, UnDestinoQueFallaDa438) {
+    const QStringList todos = {u"Line"_s, u"Font"_s, u"TextWidth"_s, u"CurrentX"_s, u"CurrentY"_s, u"Print"_s};
+    struct Caso {
+        const char* nombre;
+        QStringList miembros;
+        int32_t x;
+        size_t lineas;
+        QString fuente;
+    } casos[] = {{"sin TextWidth", QStringList(todos).filter(QRegularExpression(u"^(?!TextWidth)"_s)), 0, 1, u"Arial"_s},
+                 {"sin Font", QStringList(todos).filter(QRegularExpression(u"^(?!Font)"_s)), 0, 1, u"Courier New"_s},
+                 {"sin Line", QStringList(todos).filter(QRegularExpression(u"^(?!Line)"_s)), 0, 0, u"Courier New"_s},
+                 {"desbordamiento", todos, INT32_MAX - 100, 0, u"Courier New"_s}};
+    for (bool lanza : {false, true})
+        for (const auto& c : casos) {
+            SCOPED_TRACE(c.nombre);
+            auto d = Destino(c.miembros);
+            clsBarCode39 b;
+            b.CurrentX(c.x);
+            b.RaiseError(lanza);
+            EXPECT_EQ(Falla([&] { b.Draw(d); }), lanza ? u"438 clsBarcode39.Barcode"_s : QString());
+            EXPECT_EQ(b.ErrNumber(), 438);
+            EXPECT_EQ(b.ErrDescription(), u"Invalid control in use. Support only picturebox, form, and printer."_s);
+            EXPECT_EQ(d->De(u"Line"_s).size(), c.lineas);
+            // Stopped at once: the font is not put back.
+            auto f = std::static_pointer_cast<ObjetoGrabador>(d->Valor(u"Font"_s).objeto());
+            EXPECT_EQ(f->Valor(u"Name"_s).texto(), c.fuente);
+        }
+    clsBarCode39 b;
+    b.Draw(nullptr);
+    EXPECT_EQ(b.ErrNumber(), 438);
+}
+
+class Codigo39 : public ::testing::Test {
+protected:
+    void SetUp() override {
+        modulo4::Estado() = {};
+        impresora = Destino();
+        impresora->Pon(u"ScaleWidth"_s, 8.0f);
+        impresora->Pon(u"ScaleHeight"_s, 10.5f);
+        EstableceImpresoraActual(impresora);
+        vista = Destino();
+        vista->Pon(u"ScaleWidth"_s, 8.5);
+        vista->Pon(u"ScaleHeight"_s, 11.0);
+        imp.Imagen2 = vista;
+        imp.Pantalla = true;
+        imp.Archivo = true;
+        EstablecePresentadorDeMensajes([this](const QString& t, int32_t e, const QString& ti) {
+            mensajes << t + u'|' + QString::number(e) + u'|' + ti;
+            return 1;
+        });
+    }
+    void TearDown() override {
+        EstablecePresentadorDeMensajes({});
+        EstableceImpresoraActual(nullptr);
+        modulo4::Estado() = {};
+        const QString db = imp.DB;
+        imp.sq = nullptr;
+        for (const char* s : {"", "-wal", "-shm"}) QFile::remove(db + QString::fromLatin1(s));
+    }
+    QStringList Fuentes() {
+        QStringList r;
+        sqlite3* bd = nullptr;
+        sqlite3_open_v2(imp.DB.toUtf8().constData(), &bd, SQLITE_OPEN_READONLY, nullptr);
+        sqlite3_stmt* s = nullptr;
+        sqlite3_prepare_v2(bd, "SELECT source FROM source ORDER BY row", -1, &s, nullptr);
+        while (s && sqlite3_step(s) == SQLITE_ROW)
+            r << QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(s, 0)));
+        sqlite3_finalize(s);
+        sqlite3_close(bd);
+        return r;
+    }
+
+    Impresora imp;
+    std::shared_ptr<ObjetoGrabador> impresora, vista;
+    QStringList mensajes;
+};
+
+TEST_F(Codigo39, RegistraSinData3YDibujaEnTwipsSobreLaVista) {
+    imp.IniciaDocumento();
+    vista->llamados.clear();
+    imp.Codigo39(1440, 720.5, 15, 600, u"12345"_s, true, true, u"uno \"1\""_s, u"dos"_s, u"tres"_s);
+
+    const QStringList r = Fuentes();
+    ASSERT_EQ(r.size(), 2);
+    EXPECT_EQ(r[1], u"Codigo39 Fn(\"1440\"),Fn(\"720.5\"),Fn(\"15\"),Fn(\"600\"),\"12345\",True,True,"
+                    u"\"uno ''1''\",\"dos\"\r\n"_s);
+    // True is not 1: no check character.
+    EXPECT_EQ(Lee39(Barras(*vista), 15), u"*12345*"_s);
+    EXPECT_EQ(Barras(*vista).front().x, 1440 + 150);
+    EXPECT_EQ(Barras(*vista).front().y, 720 + 150);
+    EXPECT_EQ(vista->De(u"Print"_s)[2].argumentos[0].texto(), u"tres"_s);
+
+    // Twips for the drawing only, inches afterwards.
+    const QStringList log = vista->Registro();
+    EXPECT_EQ(log.first(), u"Asigna scalemode=1"_s);
+    EXPECT_EQ(log.last(), u"Asigna scalemode=5"_s);
+    EXPECT_EQ(log.filter(u"scalemode"_s).size(), 2);
+    auto f = std::static_pointer_cast<ObjetoGrabador>(vista->Valor(u"Font"_s).objeto());
+    EXPECT_EQ(f->Valor(u"Name"_s).texto(), u"Courier New"_s);
+    EXPECT_FALSE(CBool(f->Valor(u"Bold"_s)));
+}
+
+TEST_F(Codigo39, SoloElNumeroUnoAgregaElVerificador) {
+    modulo4::Estado().objDestino = vista;
+    struct Caso {
+        Variant mensaje, verificador;
+        QString simbolo;
+    } casos[] = {{u"12345"_s, 1, u"*12345F*"_s},   {u"12345"_s, u"1"_s, u"*12345F*"_s},
+                 {u"12345"_s, 1.0, u"*12345F*"_s}, {u"12345"_s, true, u"*12345*"_s},
+                 {u"12345"_s, 2, u"*12345*"_s},    {u"12345"_s, Variant::Nulo(), u"*12345*"_s},
+                 {u"*12345*"_s, 1, u"*12345*F*"_s}};
+    for (const auto& c : casos) {
+        vista->llamados.clear();
+        imp.Codigo39(0, 0, 15, 600, c.mensaje, false, c.verificador);
+        EXPECT_EQ(Lee39(Barras(*vista), 15), c.simbolo) << CStr(c.verificador).toStdString();
+        EXPECT_EQ(Legible(*vista), c.simbolo);
+    }
+}
+
+TEST_F(Codigo39, EnLaImpresoraConLimitesYSinDesplazamientos) {
+    prueba::ConLocal local("en_US");
+    imp.Pantalla = false;
+    imp.IniciaDocumento();
+    imp.Codigo39(100.5, u"101.5"_s, 5, 100, u"1"_s, -1);
+    const auto e = Barras(*impresora);
+    EXPECT_EQ(Lee39(e, 11), u"*1*"_s);
+    EXPECT_EQ(e.front().alto, 300);
+    // Halves to even, and the printer's page offsets are not subtracted.
+    EXPECT_EQ(Textos(impresora->De(u"Line"_s).front().argumentos),
+              (QStringList{u"30"_s, u"100"_s, u"102"_s, QString::number(3 * 16 * 11 + 300), u"825"_s, u"0"_s}));
+    EXPECT_EQ(CInt(impresora->Valor(u"ScaleMode"_s)), 5);
+    EXPECT_TRUE(vista->De(u"Line"_s).empty());
+}
+
+TEST_F(Codigo39, CaracterNoValidoAvisaYNoDibuja) {
+    imp.IniciaDocumento();
+    vista->llamados.clear();
+    imp.Codigo39(0, 0, 15, 600, u"abc"_s, true);
+    EXPECT_EQ(mensajes, QStringList{u"Error: It contain invalid barcode charater|16|Error"_s});
+    EXPECT_TRUE(vista->llamados.empty());
+    const QStringList r = Fuentes();
+    ASSERT_EQ(r.size(), 2);
+    EXPECT_EQ(r[1], u"Codigo39 Fn(\"0\"),Fn(\"0\"),Fn(\"15\"),Fn(\"600\"),\"abc\",True,False,\"\",\"\"\r\n"_s);
+}
+
+TEST_F(Codigo39, ErroresAntesYDespuesDeRegistrar) {
+    modulo4::Estado().objDestino = vista;
+    struct Caso {
+        const char* nombre;
+        std::function<void()> llamada;
+        int32_t error, registrados;
+    } casos[] = {
+        {"x no numerica", [&] { imp.Codigo39(u"x"_s, 0, 15, 600, u"1"_s); }, err::kTiposNoCoinciden, 0},
+        {"caja nula", [&] { imp.Codigo39(0, 0, 15, 600, u"1"_s, Variant::Nulo()); }, err::kUsoNoValidoDeNull, 1},
+        {"alto enorme", [&] { imp.Codigo39(0, 0, 15, 40000, u"1"_s); }, err::kDesbordamiento, 1},
+        {"sin destino", [&] { modulo4::Estado().objDestino = nullptr; imp.Codigo39(0, 0, 15, 600, u"1"_s); },
+         err::kObjetoNoEstablecido, 1},
+    };
+    for (const auto& c : casos) {
+        const int32_t antes = imp.nLinea;
+        EXPECT_EQ(NumeroDeError(c.llamada), c.error) << c.nombre;
+        EXPECT_EQ(imp.nLinea - antes, c.registrados) << c.nombre;
+    }
+    EXPECT_TRUE(Barras(*vista).empty());
+
+    // A target that cannot draw is silent, and still ends in inches.
+    auto mudo = Destino({u"ScaleMode"_s, u"Line"_s});
+    modulo4::Estado().objDestino = mudo;
+    EXPECT_EQ(NumeroDeError([&] { imp.Codigo39(0, 0, 15, 600, u"1"_s, true); }), 0);
+    EXPECT_EQ(CInt(mudo->Valor(u"ScaleMode"_s)), 5);
+}
+
+// Dark and light runs from (x, y) read as cells of ten, gap last.
+QString LeeImagen(const QImage& i, int x, int y, int celdas, int pxAngosto) {
+    QString texto;
+    for (int c = 0; c < celdas; ++c) {
+        QString patron;
+        for (int e = 0; e < 10; ++e) {
+            const bool oscuro = e % 2 == 0 && e < 9;
+            const int inicio = x;
+            while (x < i.width() && (qGray(i.pixel(x, y)) < 128) == oscuro) ++x;
+            if (e < 9) patron += x - inicio > 2 * pxAngosto ? u'w' : u'n';
+        }
+        texto += kPublicados.contains(patron) ? kPublicados.at(patron) : u'?';
+    }
+    return texto;
+}
+
+QImage Pixeles(Objeto& s) { return std::dynamic_pointer_cast<Imagen>(s.Lee(u"Image"_s).objeto())->imagen(); }
+
+TEST(Codigo39EnImagen, EspaciosBlancosAunSobreFondoNegro) {
+    // 144 dpi: ten twips to the pixel, so a narrow of 20 is two pixels.
+    auto s = CreaSuperficieDeImagen(400, 200, 144);
+    s->Asigna(u"BackColor"_s, int32_t{0});
+    s->Llama(u"Cls"_s);
+    s->Asigna(u"ScaleMode"_s, int16_t{1});
+    clsBarCode39 b;
+    b.Barcode(u"A1"_s);
+    b.ShowBox(false);
+    Moneda n = CCur(20);
+    b.NarrowX(n);
+    b.Draw(s);
+    ASSERT_EQ(b.ErrNumber(), 0);
+    const QImage i = Pixeles(*s);
+    EXPECT_EQ(LeeImagen(i, 15, 45, 4, 2), u"*A1*"_s);
+    EXPECT_LT(qGray(i.pixel(14, 45)), 128);  // background left alone beside the margin
+}
+
+TEST(Codigo39EnImagen, EnLaVistaSeDibujaEnSusTwipsVerdaderos) {
+    modulo4::Estado() = {};
+    EstableceImpresoraActual(std::make_shared<ObjetoGrabador>());
+    auto s = CreaSuperficieDeImagen(1224, 1584, 144);  // a letter page at 144 dpi
+    Impresora imp;
+    imp.Pantalla = true;
+    imp.Imagen2 = s;
+    imp.IniciaDocumento();
+    imp.Codigo39(1440, 1440, 20, 600, u"12"_s, true);
+    EXPECT_EQ(CInt(s->Lee(u"ScaleMode"_s)), 5);
+    const QImage i = Pixeles(*s);
+    EXPECT_EQ(LeeImagen(i, 159, 174, 4, 2), u"*12*"_s);
+    EXPECT_LT(qGray(i.pixel(144, 174)), 128);  // the frame's left edge
+    EstableceImpresoraActual(nullptr);
+    modulo4::Estado() = {};
+}
+
+// The real box, answered by pressing one of its buttons from the event loop.
+TEST(Codigo39MsgBox, LaCajaRealDevuelveElBotonPulsado) {
+    AseguraAplicacion();
+    struct {
+        int32_t estilo;
+        QString boton;
+        int32_t respuesta;
+        QMessageBox::Icon icono;
+        QString predeterminado;
+    } casos[] = {{16, u"Aceptar"_s, 1, QMessageBox::Critical, u"Aceptar"_s},
+                 {4 | 32 | 256, u"No"_s, 7, QMessageBox::Question, u"No"_s},
+                 {1 | 48, u"Cancelar"_s, 2, QMessageBox::Warning, u"Aceptar"_s}};
+    for (const auto& c : casos) {
+        QStringList visto;
+        QTimer::singleShot(0, [&] {
+            auto* caja = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (!caja) {
+                ADD_FAILURE() << "sin caja modal";
+                for (auto* w : QApplication::topLevelWidgets()) w->close();
+                return;
+            }
+            visto << caja->windowTitle() << caja->text() << caja->defaultButton()->text();
+            EXPECT_EQ(caja->icon(), c.icono);
+            for (auto* b : caja->buttons())
+                if (b->text() == c.boton) b->click();
+        });
+        EXPECT_EQ(MsgBox(u"¿Seguro?"_s, c.estilo, u"Título"_s), c.respuesta);
+        EXPECT_EQ(visto, (QStringList{u"Título"_s, u"¿Seguro?"_s, c.predeterminado}));
+    }
+}
+
+}  // namespace
