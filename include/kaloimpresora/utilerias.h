@@ -69,7 +69,8 @@ public:
 };
 
 // The component's own implementation, used unless the host supplies one.
-// Operations whose feature is not available yet raise 445.
+// Barcode pictures come from libzint at 8 pixels per mm, altoDeBarra in
+// pixels. Operations whose feature is not available yet raise 445.
 class UtileriasPredeterminadas : public Utilerias {
 public:
     QString TextoDeNumero(double numero) override;

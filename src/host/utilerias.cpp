@@ -3,6 +3,8 @@
 #include <cmath>
 
 #include "kaloimpresora/automatizacion.h"
+#include "barcode/imagenes_zint.h"
+#include "text/importe_en_letra.h"
 
 namespace kalo {
 
@@ -58,20 +60,25 @@ double UtileriasPredeterminadas::ValorNumerico(const Variant& valor) {
     return 0;
 }
 
-std::shared_ptr<Objeto> UtileriasPredeterminadas::ImagenBar128(int16_t&, QString&, bool&) {
-    NoDisponible(u"ImagenBar128");
+std::shared_ptr<Objeto> UtileriasPredeterminadas::ImagenBar128(int16_t& altoDeBarra, QString& barData,
+                                                               bool& incluyeHR) {
+    return ImagenDeBarras(Simbologia::Code128, altoDeBarra, barData, false, incluyeHR);
 }
-std::shared_ptr<Objeto> UtileriasPredeterminadas::ImagenBar3de9(int16_t&, QString&, bool&, bool&) {
-    NoDisponible(u"ImagenBar3de9");
+std::shared_ptr<Objeto> UtileriasPredeterminadas::ImagenBar3de9(int16_t& altoDeBarra, QString& barData,
+                                                                bool& checkSum, bool& incluyeHR) {
+    return ImagenDeBarras(Simbologia::Code39, altoDeBarra, barData, checkSum, incluyeHR);
 }
-std::shared_ptr<Objeto> UtileriasPredeterminadas::ImagenBarEAN13(int16_t&, QString&, bool&) {
-    NoDisponible(u"ImagenBarEAN13");
+std::shared_ptr<Objeto> UtileriasPredeterminadas::ImagenBarEAN13(int16_t& altoDeBarra, QString& barData,
+                                                                 bool& incluyeHR) {
+    return ImagenDeBarras(Simbologia::EAN13, altoDeBarra, barData, false, incluyeHR);
 }
-std::shared_ptr<Objeto> UtileriasPredeterminadas::ImagenBarEAN8(int16_t&, QString&, bool&) {
-    NoDisponible(u"ImagenBarEAN8");
+std::shared_ptr<Objeto> UtileriasPredeterminadas::ImagenBarEAN8(int16_t& altoDeBarra, QString& barData,
+                                                                bool& incluyeHR) {
+    return ImagenDeBarras(Simbologia::EAN8, altoDeBarra, barData, false, incluyeHR);
 }
-QString UtileriasPredeterminadas::ImporteEnLetra(double&, QString&, bool&, QString&) {
-    NoDisponible(u"ImporteEnLetra");
+QString UtileriasPredeterminadas::ImporteEnLetra(double& numero, QString& leyenda, bool& decimales,
+                                                 QString& leyenda2) {
+    return kalo::ImporteEnLetra(numero, leyenda, decimales, leyenda2);
 }
 
 int32_t UtileriasPredeterminadas::BuscaTexto(const Variant& busca, const QString& texto) {

@@ -1,0 +1,131 @@
+// Picture barcodes: what is recorded, what the utility object is asked, and
+// what reaches the target.
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <QFile>
+
+#include "comun/objeto_grabador.h"
+#include "comun/utilerias_de_prueba.h"
+#include "kaloimpresora/impresora.h"
+#include "target/imagen.h"
+#include "kaloimpresora/impresoras.h"
+#include "target/modulo4.h"
+
+using namespace kalo;
+using namespace Qt::StringLiterals;
+using kalo::prueba::ConUtilerias;
+using kalo::prueba::NumeroDeError;
+using kalo::prueba::ObjetoGrabador;
+
+namespace {
+
+// Answers every barcode with the same picture and notes what it was asked.
+class CodificadorDePrueba : public UtileriasPredeterminadas {
+public:
+    std::shared_ptr<Objeto> ImagenBar128(int16_t& alto, QString& datos, bool& hr) override {
+        return Anota(u"128"_s, alto, datos, false, hr);
+    }
+    std::shared_ptr<Objeto> ImagenBar3de9(int16_t& alto, QString& datos, bool& suma, bool& hr) override {
+        return Anota(u"39"_s, alto, datos, suma, hr);
+    }
+    std::shared_ptr<Objeto> ImagenBarEAN13(int16_t& alto, QString& datos, bool& hr) override {
+        return Anota(u"EAN13"_s, alto, datos, false, hr);
+    }
+    std::shared_ptr<Objeto> ImagenBarEAN8(int16_t& alto, QString& datos, bool& hr) override {
+        return Anota(u"EAN8"_s, alto, datos, false, hr);
+    }
+    std::shared_ptr<Objeto> Anota(const QString& tipo, int16_t alto, const QString& datos, bool suma, bool hr) {
+        pedido = tipo + u'|' + QString::number(alto) + u'|' + datos + u'|' + (suma ? u"S"_s : u"-"_s) +
+                 (hr ? u"H"_s : u"-"_s);
+        if (falla) Lanza(err::kLlamadaNoValida);
+        return imagen;
+    }
+    QString pedido;
+    bool falla = false;
+    std::shared_ptr<Imagen> imagen = std::make_shared<Imagen>(QImage(4, 2, QImage::Format_RGB32));
+};
+
+class BarrasComoImagen : public ::testing::Test {
+protected:
+    void SetUp() override {
+        modulo4::Estado() = {};
+        EstableceImpresoraActual(std::make_shared<ObjetoGrabador>());
+        vista = std::make_shared<ObjetoGrabador>();
+        imp.Imagen2 = vista;
+        imp.Pantalla = true;
+        imp.Archivo = true;
+        imp.IniciaDocumento();
+    }
+    void TearDown() override {
+        EstableceImpresoraActual(nullptr);
+        const QString db = imp.DB;
+        imp.sq = nullptr;
+        for (const char* s : {"", "-wal", "-shm"}) QFile::remove(db + QString::fromLatin1(s));
+    }
+    QString UltimoComando() {
+        sqlite3* bd = nullptr;
+        sqlite3_open_v2(imp.DB.toUtf8().constData(), &bd, SQLITE_OPEN_READONLY, nullptr);
+        sqlite3_stmt* s = nullptr;
+        sqlite3_prepare_v2(bd, "SELECT source FROM source ORDER BY row DESC LIMIT 1", -1, &s, nullptr);
+        QString r;
+        if (sqlite3_step(s) == SQLITE_ROW) r = QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(s, 0)));
+        sqlite3_finalize(s);
+        sqlite3_close(bd);
+        return r;
+    }
+
+    std::shared_ptr<CodificadorDePrueba> codificador = std::make_shared<CodificadorDePrueba>();
+    ConUtilerias utilerias{codificador};
+    Impresora imp;
+    std::shared_ptr<ObjetoGrabador> vista;
+};
+
+TEST_F(BarrasComoImagen, ComandosYPedidosConSusValoresPorOmision) {
+    struct Caso {
+        const char* metodo;
+        std::vector<Variant> argumentos;
+        const char* comando;
+        const char* pedido;
+    } casos[] = {
+        {"Bar128", {int16_t{40}, "AB\"1", 1, 2, 3, 0.5}, "Bar128 Fn(\"40\"),\"AB\"1\",Fn(\"1\"),Fn(\"2\"),Fn(\"3\"),Fn(\"0.5\"),True",
+         "128|40|AB\"1|-H"},
+        {"Bar3de9", {60, "CODE", 0, 0, 2, 1}, "Bar3de9 Fn(\"60\"),\"CODE\",Fn(\"0\"),Fn(\"0\"),Fn(\"2\"),Fn(\"1\"),False,True",
+         "39|60|CODE|-H"},
+        {"Bar3de9", {60, "CODE", 0, 0, 2, 1, true, false}, "Bar3de9 Fn(\"60\"),\"CODE\",Fn(\"0\"),Fn(\"0\"),Fn(\"2\"),Fn(\"1\"),True,False",
+         "39|60|CODE|S-"},
+        {"BarEAN13", {50, "750100000001", 1, 1, 2, 1, false}, "BarEAN13 Fn(\"50\"),\"750100000001\",Fn(\"1\"),Fn(\"1\"),Fn(\"2\"),Fn(\"1\"),False",
+         "EAN13|50|750100000001|--"},
+        {"BarEAN8", {50, "1234567", 1, 1, 2, 1}, "BarEAN8 Fn(\"50\"),\"1234567\",Fn(\"1\"),Fn(\"1\"),Fn(\"2\"),Fn(\"1\"),True",
+         "EAN8|50|1234567|-H"},
+    };
+    for (auto& c : casos) {
+        SCOPED_TRACE(c.metodo);
+        imp.InvocaPorNombre(QString::fromLatin1(c.metodo), Llamada::Metodo, c.argumentos);
+        EXPECT_EQ(UltimoComando(), QString::fromUtf8(c.comando) + u"\r\n"_s);
+        EXPECT_EQ(codificador->pedido, QString::fromUtf8(c.pedido));
+        const auto pintura = vista->De(u"PaintPicture"_s).back().argumentos;
+        ASSERT_EQ(pintura.size(), 5u);
+        EXPECT_EQ(pintura[0].objeto(), codificador->imagen);
+        EXPECT_TRUE(pintura[3].identico(c.argumentos[4]));
+    }
+}
+
+TEST_F(BarrasComoImagen, UnCodificadorQueFallaNoPintaNiAvisa) {
+    codificador->falla = true;
+    EXPECT_NO_THROW(imp.Bar128(40, u"x"_s, 1, 1, 2, 1));
+    EXPECT_EQ(vista->De(u"PaintPicture"_s).back().argumentos[0].objeto(), nullptr);
+    EXPECT_TRUE(UltimoComando().startsWith(u"Bar128 "_s));
+}
+
+TEST_F(BarrasComoImagen, UnRectanguloQueNoEsNumeroNoRegistraNada) {
+    const int32_t antes = imp.nLinea;
+    EXPECT_EQ(NumeroDeError([&] { imp.BarEAN8(40, u"1234567"_s, u"izq"_s, 1, 2, 1); }), 13);
+    EXPECT_EQ(imp.nLinea, antes);
+    EXPECT_TRUE(codificador->pedido.isEmpty());
+    std::vector<Variant> alto = {70000, "1", 0, 0, 1, 1};
+    EXPECT_EQ(NumeroDeError([&] { imp.InvocaPorNombre(u"Bar128"_s, Llamada::Metodo, alto); }), 6);
+}
+
+}  // namespace
