@@ -61,6 +61,61 @@ public:
     const QString& EstiloImpresion() const { return estiloImpresion_; }
     void EstiloImpresion(QString& estilo) { estiloImpresion_ = estilo; }
 
+    // Document lifecycle.
+    void IniciaDocumento();
+    void PaginaNueva();
+    void FinDocumento();
+    // Printer copy count; does nothing while the output goes to the preview.
+    void Copias(int32_t& nCopias);
+    // Deletes the file (or the files, with wildcards) named by strTemp; never fails.
+    void BorraArchivo();
+    // Lets the user interface process its pending events once.
+    void Eventos();
+    // Creates a new spool file next to the library and makes it DB.
+    void CreaBaseDeDatos();
+
+    // Text and font state. Positions are inches on the logical page.
+    // Prints strMensaje with its upper-left corner at (x, y): vertical first.
+    void Say(const Variant& y, const Variant& x, const Variant& strMensaje);
+    void CurrentY(const Variant& YVal);
+    void CurrentX(const Variant& XVal);
+    void EstableceFuente(const Variant& strFuente, const Variant& Size);
+    void FontBold(const Variant& Bold);
+    // Unlike FontBold, a failing target reaches the caller.
+    void FontITalic(const Variant& Italic);
+    // Always recorded as "FuenteTransparente False"; the target follows the flag.
+    void FuenteTransparente(const Variant& bolTrans);
+    void ColorDeFuente(const Variant& nColor);
+    // Inches of a row or column of the nRow x nCol grid; nothing is drawn.
+    Variant Row(const Variant& nRenglon);
+    Variant Col(const Variant& nColumna);
+
+    // Graphics, in inches on the logical page. Linea also sends the print
+    // position to the left edge; PCircle's bLeft and bTop are its centre.
+    void Linea(const Variant& bLeft0, const Variant& bTop0, const Variant& bLeft1, const Variant& bTop1);
+    void Box(const Variant& bLeft, const Variant& bTop, const Variant& bWidth, const Variant& bHeight);
+    void FilledBox(const Variant& bLeft, const Variant& bTop, const Variant& bWidth, const Variant& bHeight,
+                   const Variant& Color);
+    void PCircle(const Variant& bLeft, const Variant& bTop, const Variant& bRadius);
+    // A picture file stretched into the rectangle; a missing file draws nothing.
+    void Picture(const Variant& picSource, const Variant& pLeft, const Variant& pTop, const Variant& pWidth,
+                 const Variant& pHeight);
+
+    // Barcodes. Codigo39 works in twips and draws the symbol bar by bar; the
+    // others paint a picture of the symbol from the utility object.
+    void Codigo39(const Variant& x, const Variant& y, const Variant& xNarrow, const Variant& yHeight,
+                  const Variant& strMensaje, const Variant& bolBox = false, const Variant& CheckDigit = false,
+                  const Variant& strData1 = QString(), const Variant& strData2 = QString(),
+                  const Variant& strData3 = QString());
+    void Bar128(int16_t altoDeBarra, const QString& barData, const Variant& pLeft, const Variant& pTop,
+                const Variant& pWidth, const Variant& pHeight, bool incluyeHR = true);
+    void Bar3de9(int16_t altoDeBarra, const QString& barData, const Variant& pLeft, const Variant& pTop,
+                 const Variant& pWidth, const Variant& pHeight, bool checkSum = false, bool incluyeHR = true);
+    void BarEAN13(int16_t altoDeBarra, const QString& barData, const Variant& pLeft, const Variant& pTop,
+                  const Variant& pWidth, const Variant& pHeight, bool incluyeHR = true);
+    void BarEAN8(int16_t altoDeBarra, const QString& barData, const Variant& pLeft, const Variant& pTop,
+                 const Variant& pWidth, const Variant& pHeight, bool incluyeHR = true);
+
     // Text helpers.
     // strChr as text nVeces times (rounded, halves to even); Null adds nothing.
     QString Replicate(const Variant& strChr, const Variant& nVeces);
@@ -80,11 +135,33 @@ public:
     int32_t CuantasLineas(const Variant& cString);
     // Reads a number written with "." as the decimal point, in any locale.
     double Fn(const QString& strValue);
+    // The runtime's Format: Sunday first, the first week the one of 1 January.
+    Variant Formato(const Variant& Var, const Variant& strFormat);
+    // The amount in Spanish words, from the utility object.
+    QString Letra(const Variant& nNumero, const Variant& Leyenda, const Variant& Decimales,
+                  const Variant& strLeyenda2 = QString());
+    // The runtime's pseudo-random sequence: [0, 1), never reseeded here.
+    double Random();
+    int32_t RandomColor();
 
     int32_t IdDeNombre(const QString& nombre) const override;
     Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) override;
 
 private:
+    // Lets tests and benchmarks reach the recorder directly.
+    friend struct AccesoInterno;
+
+    // Counts the command and, while Pantalla and Archivo are both on, writes
+    // it as one row of the spool file. Never fails but for the counter.
+    void RegistraComando(const QString& source, double nrow = 0, double ncol = 0, const QString& contenido = {},
+                         const QString& fuente = {}, double fsize = 0, bool bold = false, bool italic = false);
+    // A number as recorded in command texts: Fn("2.5").
+    QString TextoFn(const Variant& valor);
+    // The part that the picture barcodes' commands share.
+    QString ComandoDeBarras(const QString& palabra, int16_t altoDeBarra, const QString& barData,
+                            const Variant& pLeft, const Variant& pTop, const Variant& pWidth,
+                            const Variant& pHeight);
+
     int16_t escalaGuardadaImagen1_ = 0;  // ScaleMode of Imagen1 while a document is open
     double formaAlto_ = 0;
     double formaAncho_ = 0;

@@ -22,6 +22,14 @@ Parametro Opcional(Parametro p, std::optional<Variant> omision = {}) {
     return p;
 }
 
+// A method without arguments or result.
+std::function<Variant(Impresora&, Ranuras)> Accion(void (Impresora::*metodo)()) {
+    return [metodo](Impresora& o, Ranuras) {
+        (o.*metodo)();
+        return Variant();
+    };
+}
+
 // The four arguments that every picture barcode shares after its data.
 std::vector<Parametro> ConRectangulo(std::vector<Parametro> delante, std::vector<Parametro> detras) {
     for (const char16_t* n : {u"pLeft", u"pTop", u"pWidth", u"pHeight"}) delante.push_back(PorValor(QString::fromUtf16(n)));
@@ -74,50 +82,73 @@ std::vector<M> Miembros() {
     prop(u"recordSetOrigen", 0x40030026, T::Objeto, &Impresora::recordSetOrigen);
     prop(u"objetoReporte", 0x40030027, T::Objeto, &Impresora::objetoReporte);
 
-    metodo(u"IniciaDocumento", 0x60030004, T::Ninguno, {});
-    metodo(u"Say", 0x60030005, T::Ninguno, {PorRef(u"y"_s), PorRef(u"x"_s), PorRef(u"strMensaje"_s)});
-    metodo(u"FinDocumento", 0x60030006, T::Ninguno, {});
-    metodo(u"EstableceFuente", 0x60030007, T::Ninguno, {PorRef(u"strFuente"_s), PorRef(u"Size"_s)});
-    metodo(u"CurrentY", 0x60030008, T::Ninguno, {PorRef(u"YVal"_s)});
-    metodo(u"CurrentX", 0x60030009, T::Ninguno, {PorRef(u"XVal"_s)});
+    metodo(u"IniciaDocumento", 0x60030004, T::Ninguno, {}, Accion(&Impresora::IniciaDocumento));
+    metodo(u"Say", 0x60030005, T::Ninguno, {PorRef(u"y"_s), PorRef(u"x"_s), PorRef(u"strMensaje"_s)},
+           [](Impresora& o, Ranuras a) { o.Say(a[0], a[1], a[2]); return Variant(); });
+    metodo(u"FinDocumento", 0x60030006, T::Ninguno, {}, Accion(&Impresora::FinDocumento));
+    metodo(u"EstableceFuente", 0x60030007, T::Ninguno, {PorRef(u"strFuente"_s), PorRef(u"Size"_s)},
+           [](Impresora& o, Ranuras a) { o.EstableceFuente(a[0], a[1]); return Variant(); });
+    metodo(u"CurrentY", 0x60030008, T::Ninguno, {PorRef(u"YVal"_s)},
+           [](Impresora& o, Ranuras a) { o.CurrentY(a[0]); return Variant(); });
+    metodo(u"CurrentX", 0x60030009, T::Ninguno, {PorRef(u"XVal"_s)},
+           [](Impresora& o, Ranuras a) { o.CurrentX(a[0]); return Variant(); });
     metodo(u"Linea", 0x6003000a, T::Ninguno,
-           {PorRef(u"bLeft0"_s), PorRef(u"bTop0"_s), PorRef(u"bLeft1"_s), PorRef(u"bTop1"_s)});
+           {PorRef(u"bLeft0"_s), PorRef(u"bTop0"_s), PorRef(u"bLeft1"_s), PorRef(u"bTop1"_s)},
+           [](Impresora& o, Ranuras a) { o.Linea(a[0], a[1], a[2], a[3]); return Variant(); });
     metodo(u"Box", 0x6003000b, T::Ninguno,
-           {PorRef(u"bLeft"_s), PorRef(u"bTop"_s), PorRef(u"bWidth"_s), PorRef(u"bHeight"_s)});
+           {PorRef(u"bLeft"_s), PorRef(u"bTop"_s), PorRef(u"bWidth"_s), PorRef(u"bHeight"_s)},
+           [](Impresora& o, Ranuras a) { o.Box(a[0], a[1], a[2], a[3]); return Variant(); });
     metodo(u"FilledBox", 0x6003000c, T::Ninguno,
            {PorRef(u"bLeft"_s), PorRef(u"bTop"_s), PorRef(u"bWidth"_s), PorRef(u"bHeight"_s),
-            PorRef(u"Color"_s)});
-    metodo(u"PCircle", 0x6003000d, T::Ninguno, {PorRef(u"bLeft"_s), PorRef(u"bTop"_s), PorRef(u"bRadius"_s)});
-    metodo(u"PaginaNueva", 0x6003000e, T::Ninguno, {});
-    metodo(u"Picture", 0x6003000f, T::Ninguno, ConRectangulo({PorRef(u"picSource"_s)}, {}));
+            PorRef(u"Color"_s)},
+           [](Impresora& o, Ranuras a) { o.FilledBox(a[0], a[1], a[2], a[3], a[4]); return Variant(); });
+    metodo(u"PCircle", 0x6003000d, T::Ninguno, {PorRef(u"bLeft"_s), PorRef(u"bTop"_s), PorRef(u"bRadius"_s)},
+           [](Impresora& o, Ranuras a) { o.PCircle(a[0], a[1], a[2]); return Variant(); });
+    metodo(u"PaginaNueva", 0x6003000e, T::Ninguno, {}, Accion(&Impresora::PaginaNueva));
+    metodo(u"Picture", 0x6003000f, T::Ninguno, ConRectangulo({PorRef(u"picSource"_s)}, {}),
+           [](Impresora& o, Ranuras a) { o.Picture(a[0], a[1], a[2], a[3], a[4]); return Variant(); });
     const auto alto = [] { return PorRef(u"altoDeBarra"_s, T::Entero); };
     const auto datos = [] { return PorRef(u"barData"_s, T::Texto); };
     const auto incluyeHR = [] { return Opcional(PorRef(u"incluyeHR"_s, T::Booleano), Variant(true)); };
-    metodo(u"Bar128", 0x60030010, T::Ninguno, ConRectangulo({alto(), datos()}, {incluyeHR()}));
+    metodo(u"Bar128", 0x60030010, T::Ninguno, ConRectangulo({alto(), datos()}, {incluyeHR()}),
+           [](Impresora& o, Ranuras a) { o.Bar128(a[0].entero(), a[1].texto(), a[2], a[3], a[4], a[5], a[6].booleano()); return Variant(); });
     metodo(u"Bar3de9", 0x60030011, T::Ninguno,
            ConRectangulo({alto(), datos()},
-                         {Opcional(PorRef(u"checkSum"_s, T::Booleano), Variant(false)), incluyeHR()}));
-    metodo(u"BarEAN13", 0x60030012, T::Ninguno, ConRectangulo({alto(), datos()}, {incluyeHR()}));
-    metodo(u"BarEAN8", 0x60030013, T::Ninguno, ConRectangulo({alto(), datos()}, {incluyeHR()}));
+                         {Opcional(PorRef(u"checkSum"_s, T::Booleano), Variant(false)), incluyeHR()}),
+           [](Impresora& o, Ranuras a) { o.Bar3de9(a[0].entero(), a[1].texto(), a[2], a[3], a[4], a[5], a[6].booleano(), a[7].booleano()); return Variant(); });
+    metodo(u"BarEAN13", 0x60030012, T::Ninguno, ConRectangulo({alto(), datos()}, {incluyeHR()}),
+           [](Impresora& o, Ranuras a) { o.BarEAN13(a[0].entero(), a[1].texto(), a[2], a[3], a[4], a[5], a[6].booleano()); return Variant(); });
+    metodo(u"BarEAN8", 0x60030013, T::Ninguno, ConRectangulo({alto(), datos()}, {incluyeHR()}),
+           [](Impresora& o, Ranuras a) { o.BarEAN8(a[0].entero(), a[1].texto(), a[2], a[3], a[4], a[5], a[6].booleano()); return Variant(); });
     metodo(u"Replicate", 0x60030014, T::Texto, {PorRef(u"strChr"_s), PorRef(u"nVeces"_s)},
            [](Impresora& o, Ranuras a) { return Variant(o.Replicate(a[0], a[1])); });
-    metodo(u"Row", 0x60030015, T::Variante, {PorRef(u"nRenglon"_s)});
-    metodo(u"Col", 0x60030016, T::Variante, {PorRef(u"nColumna"_s)});
+    metodo(u"Row", 0x60030015, T::Variante, {PorRef(u"nRenglon"_s)},
+           [](Impresora& o, Ranuras a) { return o.Row(a[0]); });
+    metodo(u"Col", 0x60030016, T::Variante, {PorRef(u"nColumna"_s)},
+           [](Impresora& o, Ranuras a) { return o.Col(a[0]); });
     metodo(u"rst", 0x60030017, T::Objeto, {PorRef(u"strSql"_s, T::Texto), PorRef(u"Connection"_s, T::Objeto)});
     metodo(u"Letra", 0x60030018, T::Texto,
            {PorRef(u"nNumero"_s), PorRef(u"Leyenda"_s), PorRef(u"Decimales"_s),
-            Opcional(PorRef(u"strLeyenda2"_s), Variant(QString()))});
-    metodo(u"Formato", 0x60030019, T::Variante, {PorRef(u"Var"_s), PorRef(u"strFormat"_s)});
+            Opcional(PorRef(u"strLeyenda2"_s), Variant(QString()))},
+           [](Impresora& o, Ranuras a) { return Variant(o.Letra(a[0], a[1], a[2], a[3])); });
+    metodo(u"Formato", 0x60030019, T::Variante, {PorRef(u"Var"_s), PorRef(u"strFormat"_s)},
+           [](Impresora& o, Ranuras a) { return o.Formato(a[0], a[1]); });
     metodo(u"PadR", 0x6003001a, T::Texto, {PorRef(u"str"_s), PorRef(u"nVeces"_s)},
            [](Impresora& o, Ranuras a) { return Variant(o.PadR(a[0], a[1])); });
     metodo(u"PadL", 0x6003001b, T::Texto, {PorRef(u"str"_s), PorRef(u"nVeces"_s)},
            [](Impresora& o, Ranuras a) { return Variant(o.PadL(a[0], a[1])); });
     metodo(u"EstableceImpresora", 0x6003001c, T::Ninguno, {PorRef(u"strimpresora"_s)});
-    metodo(u"FontBold", 0x6003001d, T::Ninguno, {PorRef(u"Bold"_s)});
-    metodo(u"FontITalic", 0x6003001e, T::Ninguno, {PorRef(u"Italic"_s)});
-    metodo(u"CreaBaseDeDatos", 0x60030020, T::Ninguno, {});
-    metodo(u"BorraArchivo", 0x60030021, T::Ninguno, {});
-    metodo(u"Copias", 0x60030022, T::Ninguno, {PorRef(u"nCopias"_s, T::Largo)});
+    metodo(u"FontBold", 0x6003001d, T::Ninguno, {PorRef(u"Bold"_s)},
+           [](Impresora& o, Ranuras a) { o.FontBold(a[0]); return Variant(); });
+    metodo(u"FontITalic", 0x6003001e, T::Ninguno, {PorRef(u"Italic"_s)},
+           [](Impresora& o, Ranuras a) { o.FontITalic(a[0]); return Variant(); });
+    metodo(u"CreaBaseDeDatos", 0x60030020, T::Ninguno, {}, Accion(&Impresora::CreaBaseDeDatos));
+    metodo(u"BorraArchivo", 0x60030021, T::Ninguno, {}, Accion(&Impresora::BorraArchivo));
+    metodo(u"Copias", 0x60030022, T::Ninguno, {PorRef(u"nCopias"_s, T::Largo)}, [](Impresora& o, Ranuras a) {
+        int32_t n = a[0].largo();
+        o.Copias(n);
+        return Variant();
+    });
     const auto dialogoDeFechas = [] {
         return std::vector<Parametro>{PorRef(u"cTitulo"_s, T::Texto), PorRef(u"Ambiente"_s, T::Objeto),
                                       Opcional(PorRef(u"SoloFechas"_s, T::Booleano), Variant(false))};
@@ -126,13 +157,17 @@ std::vector<M> Miembros() {
     metodo(u"FechaDeCorte", 0x60030024, T::Ninguno, dialogoDeFechas());
     metodo(u"RangoDeAlcance", 0x60030025, T::Ninguno,
            {PorRef(u"cTitulo"_s, T::Texto), PorRef(u"Ambiente"_s, T::Objeto)});
-    metodo(u"FuenteTransparente", 0x60030026, T::Ninguno, {PorRef(u"bolTrans"_s)});
-    metodo(u"ColorDeFuente", 0x60030027, T::Ninguno, {PorRef(u"nColor"_s)});
+    metodo(u"FuenteTransparente", 0x60030026, T::Ninguno, {PorRef(u"bolTrans"_s)},
+           [](Impresora& o, Ranuras a) { o.FuenteTransparente(a[0]); return Variant(); });
+    metodo(u"ColorDeFuente", 0x60030027, T::Ninguno, {PorRef(u"nColor"_s)},
+           [](Impresora& o, Ranuras a) { o.ColorDeFuente(a[0]); return Variant(); });
     metodo(u"Fn", 0x60030029, T::Doble, {PorRef(u"strValue"_s, T::Texto)},
            [](Impresora& o, Ranuras a) { return Variant(o.Fn(a[0].texto())); });
-    metodo(u"Random", 0x6003002a, T::Doble, {});
-    metodo(u"RandomColor", 0x6003002b, T::Largo, {});
-    metodo(u"Eventos", 0x6003002c, T::Ninguno, {});
+    metodo(u"Random", 0x6003002a, T::Doble, {},
+           [](Impresora& o, Ranuras) { return Variant(o.Random()); });
+    metodo(u"RandomColor", 0x6003002b, T::Largo, {},
+           [](Impresora& o, Ranuras) { return Variant(o.RandomColor()); });
+    metodo(u"Eventos", 0x6003002c, T::Ninguno, {}, Accion(&Impresora::Eventos));
     metodo(u"CreaForma", 0x6003002d, T::Objeto, {});
     metodo(u"Portrait", 0x6003002e, T::Ninguno, {});
     metodo(u"LandScape", 0x6003002f, T::Ninguno, {});
@@ -185,7 +220,8 @@ std::vector<M> Miembros() {
             Opcional(PorRef(u"CheckDigit"_s), Variant(false)),
             Opcional(PorRef(u"strData1"_s), Variant(QString())),
             Opcional(PorRef(u"strData2"_s), Variant(QString())),
-            Opcional(PorRef(u"strData3"_s), Variant(QString()))});
+            Opcional(PorRef(u"strData3"_s), Variant(QString()))},
+           [](Impresora& o, Ranuras a) { o.Codigo39(a[0], a[1], a[2], a[3], a[4], a[5], a[6], a[7], a[8], a[9]); return Variant(); });
 
     m.push_back(PropiedadConProcedimientos<Impresora>(
         u"FormaAncho"_s, 0x68030003, T::Doble, [](Impresora& o) { return Variant(o.FormaAncho()); },

@@ -162,12 +162,12 @@ TEST(Despacho, ArgumentosFaltantesYSobrantes) {
 TEST(Despacho, MiembroAunNoDisponibleFallaConClaridad) {
     Impresora imp;
     try {
-        imp.Llama(u"IniciaDocumento"_s);
+        imp.Llama(u"RestauraPapel"_s);
         FAIL() << "se esperaba un error";
     } catch (const ErrorDeAutomatizacion& e) {
         EXPECT_EQ(e.numero(), 445);
-        EXPECT_TRUE(e.descripcion().contains(u"IniciaDocumento"_s)) << e.descripcion().toStdString();
-        EXPECT_EQ(e.origen(), u"Impresora.IniciaDocumento"_s);
+        EXPECT_TRUE(e.descripcion().contains(u"RestauraPapel"_s)) << e.descripcion().toStdString();
+        EXPECT_EQ(e.origen(), u"Impresora.RestauraPapel"_s);
     }
 }
 
