@@ -2,10 +2,8 @@
 // on the image preview with recording, and on the PDF printer without.
 
 #include <benchmark/benchmark.h>
-#include <sqlite3.h>
 
 #include <QDir>
-#include <QFile>
 #include <QImage>
 #include <QPainter>
 #include <QPrinter>
@@ -17,6 +15,7 @@
 #include "target/aplicacion.h"
 #include "target/impresora_sistema.h"
 #include "target/modulo4.h"
+#include "insert_desnudo.h"
 
 namespace {
 
@@ -24,10 +23,6 @@ using namespace Qt::StringLiterals;
 using kalo::Variant;
 
 constexpr int kRenglonesPorPagina = 60;
-
-void Borra(const QString& archivo) {
-    for (const char* s : {"", "-wal", "-shm"}) QFile::remove(archivo + QString::fromLatin1(s));
-}
 
 void SayGrabadoEnVista(benchmark::State& estado) {
     kalo::AseguraAplicacion();
@@ -48,7 +43,7 @@ void SayGrabadoEnVista(benchmark::State& estado) {
     imp.FinDocumento();
     const QString db = imp.DB;
     imp.sq = nullptr;
-    Borra(db);
+    kalo::banco::BorraReporte(db);
 }
 BENCHMARK(SayGrabadoEnVista);
 
@@ -56,21 +51,7 @@ BENCHMARK(SayGrabadoEnVista);
 // size, in the font size the preview uses.
 void InsertYDrawTextDesnudos(benchmark::State& estado) {
     kalo::AseguraAplicacion();
-    const QString archivo = QDir::tempPath() + u"/banco-texto-desnudo.rep"_s;
-    Borra(archivo);
-    sqlite3* bd = nullptr;
-    sqlite3_open(archivo.toUtf8().constData(), &bd);
-    sqlite3_exec(bd, "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL;", nullptr, nullptr, nullptr);
-    sqlite3_exec(bd,
-                 "CREATE TABLE source( pagina INTEGER, source TEXT, row INTEGER, contenido TEXT, fuente TEXT, "
-                 "fsize REAL, nrow REAL, ncol REAL, bold INTEGER, italic INTEGER )",
-                 nullptr, nullptr, nullptr);
-    sqlite3_exec(bd, "CREATE INDEX paginarow ON source( pagina, row )", nullptr, nullptr, nullptr);
-    sqlite3_stmt* s = nullptr;
-    sqlite3_prepare_v2(bd,
-                       "INSERT INTO source( pagina, row, source, nrow, ncol, contenido, fuente, fsize, bold, italic )"
-                       " VALUES ( ?, ?, ?, ?, ?, ?, ?, ?, ?, ? )",
-                       -1, &s, nullptr);
+    kalo::banco::InsertDesnudo desnudo(QDir::tempPath() + u"/banco-texto-desnudo.rep"_s);
     QImage imagen(850, 1100, QImage::Format_ARGB32_Premultiplied);
     imagen.fill(Qt::white);
     QPainter pintor(&imagen);
@@ -80,25 +61,12 @@ void InsertYDrawTextDesnudos(benchmark::State& estado) {
     const QString texto = u"Total a pagar"_s;
     int i = 0;
     for (auto _ : estado) {
-        sqlite3_bind_int(s, 1, 1);
-        sqlite3_bind_int(s, 2, ++i);
-        sqlite3_bind_text(s, 3, "Say Fn(\"1.5\"),Fn(\"1.0625\"),\"Total a pagar\"\r\n", -1, SQLITE_STATIC);
-        sqlite3_bind_double(s, 4, i % kRenglonesPorPagina);
-        sqlite3_bind_double(s, 5, 10);
-        sqlite3_bind_text(s, 6, "Total a pagar", -1, SQLITE_STATIC);
-        sqlite3_bind_text(s, 7, "", -1, SQLITE_STATIC);
-        sqlite3_bind_double(s, 8, 0);
-        sqlite3_bind_int(s, 9, 0);
-        sqlite3_bind_int(s, 10, 0);
-        sqlite3_step(s);
-        sqlite3_reset(s);
+        ++i;
+        desnudo.Inserta(i, "Say Fn(\"1.5\"),Fn(\"1.0625\"),\"Total a pagar\"\r\n", i % kRenglonesPorPagina, 10,
+                        "Total a pagar");
         pintor.drawText(QPointF(106, 17 * (i % kRenglonesPorPagina) + 14), texto);
     }
     estado.SetItemsProcessed(estado.iterations());
-    pintor.end();
-    sqlite3_finalize(s);
-    sqlite3_close(bd);
-    Borra(archivo);
 }
 BENCHMARK(InsertYDrawTextDesnudos);
 
