@@ -8,14 +8,13 @@
 #include <QFileInfo>
 #include <QPrinterInfo>
 #include <QTemporaryFile>
-#include <algorithm>
 #include <atomic>
 #include <utility>
 #include <cmath>
 
 #include "automation/interfaz.h"
 #include "target/aplicacion.h"
-#include "target/imagen.h"
+#include "target/miembros_lienzo.h"
 
 namespace kalo {
 
@@ -301,232 +300,36 @@ double ImpresoraDelSistema::ScaleY(double valor, int16_t de, int16_t a) const {
 namespace {
 
 using I = ImpresoraDelSistema;
-
-// The printer's Font object: a live view of its font.
-class FuenteDeImpresora : public Objeto {
-public:
-    explicit FuenteDeImpresora(std::shared_ptr<I> i) : impresora(std::move(i)) {}
-    Lienzo& lienzo() { return impresora->lienzo(); }
-
-    int32_t IdDeNombre(const QString& nombre) const override;
-    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) override;
-
-    std::shared_ptr<I> impresora;
-};
-
-template <class Clase, class Leer, class Escribir>
-Miembro<Clase> Prop(const char16_t* nombre, int32_t id, TipoDato tipo, Leer leer, Escribir escribir) {
-    return PropiedadConProcedimientos<Clase>(QString::fromUtf16(nombre), id, tipo, leer, escribir);
-}
-
-template <class Clase>
-void SoloLectura(Clase&, const Variant&) {
-    Lanza(err::kNoAdmitePropiedadOMetodo);
-}
-
-const Interfaz<FuenteDeImpresora>& InterfazFuente() {
-    using F = FuenteDeImpresora;
-    static const Interfaz<F> interfaz(
-        u"Font"_s,
-        {
-            Prop<F>(u"Name", 0, T::Texto, [](F& f) { return Variant(f.lienzo().FontName()); },
-                    [](F& f, const Variant& v) { f.lienzo().FontName(v.texto()); }),
-            Prop<F>(u"Size", 2, T::Doble, [](F& f) { return Variant(f.lienzo().FontSize()); },
-                    [](F& f, const Variant& v) { f.lienzo().FontSize(v.doble()); }),
-            Prop<F>(u"Bold", 3, T::Booleano, [](F& f) { return Variant(f.lienzo().FontBold()); },
-                    [](F& f, const Variant& v) { f.lienzo().FontBold(v.booleano()); }),
-            Prop<F>(u"Italic", 4, T::Booleano, [](F& f) { return Variant(f.lienzo().FontItalic()); },
-                    [](F& f, const Variant& v) { f.lienzo().FontItalic(v.booleano()); }),
-            Prop<F>(u"Underline", 5, T::Booleano, [](F& f) { return Variant(f.lienzo().FontUnderline()); },
-                    [](F& f, const Variant& v) { f.lienzo().FontUnderline(v.booleano()); }),
-            Prop<F>(u"Strikethrough", 6, T::Booleano, [](F& f) { return Variant(f.lienzo().FontStrikethru()); },
-                    [](F& f, const Variant& v) { f.lienzo().FontStrikethru(v.booleano()); }),
-        });
-    return interfaz;
-}
-
-int32_t FuenteDeImpresora::IdDeNombre(const QString& nombre) const { return InterfazFuente().IdDeNombre(nombre); }
-
-Variant FuenteDeImpresora::Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) {
-    return InterfazFuente().Invoca(*this, dispid, tipo, argumentos);
-}
-
-// Arguments are read the way the preview surfaces read them, so one call
-// means the same on paper and on screen.
-Parametro Requerido(const char16_t* nombre, TipoDato tipo) {
-    return {QString::fromUtf16(nombre), tipo, false, false, {}};
-}
-Parametro Opcional(const char16_t* nombre, TipoDato tipo = T::Variante) {
-    return {QString::fromUtf16(nombre), tipo, false, true, {}};
-}
-
-bool Omitido(const Variant& v) { return v.esFalta(); }
-
-int16_t Bandera(int16_t banderas, int16_t bit, const Variant& argumento) {
-    return Omitido(argumento) ? int16_t(banderas & ~bit) : banderas;
-}
-
-double Numero(const Variant& v) { return Omitido(v) ? 0.0 : CDbl(v); }
-
-QString TextoAImprimir(const Variant& v) {
-    if (Omitido(v) || v.esVacio() || v.esNulo()) return {};
-    return CStr(v);
-}
-
-const Imagen& ImagenDe(const Variant& v) {
-    if (!v.esObjeto()) Lanza(err::kTiposNoCoinciden);
-    if (!v.objeto()) Lanza(err::kObjetoNoEstablecido);
-    const auto* imagen = dynamic_cast<const Imagen*>(v.objeto().get());
-    if (!imagen) Lanza(err::kTiposNoCoinciden);
-    return *imagen;
-}
-
-template <class Leer, class Escribir>
-Miembro<I> PropL(const char16_t* nombre, int32_t id, TipoDato tipo, Leer leer, Escribir escribir) {
-    return Prop<I>(nombre, id, tipo, [leer](I& i) { return Variant(leer(i.lienzo())); },
-                   [escribir](I& i, const Variant& v) { escribir(i.lienzo(), v); });
-}
-
-template <class Leer>
-Miembro<I> PropSoloLectura(const char16_t* nombre, int32_t id, TipoDato tipo, Leer leer) {
-    return Prop<I>(nombre, id, tipo, [leer](I& i) { return Variant(leer(i)); }, SoloLectura<I>);
-}
+using namespace miembros_lienzo;
 
 std::vector<Miembro<I>> MiembrosDeImpresora() {
-    // Members shared with the picture box keep its dispatch ids.
-    std::vector<Miembro<I>> m = {
-        PropL(u"ScaleMode", 1, T::Entero, [](Lienzo& l) { return l.ScaleMode(); },
-              [](Lienzo& l, const Variant& v) { l.ScaleMode(v.entero()); }),
-        PropL(u"ScaleWidth", 2, T::Doble, [](Lienzo& l) { return l.ScaleWidth(); },
-              [](Lienzo& l, const Variant& v) { l.ScaleWidth(v.doble()); }),
-        PropL(u"ScaleHeight", 3, T::Doble, [](Lienzo& l) { return l.ScaleHeight(); },
-              [](Lienzo& l, const Variant& v) { l.ScaleHeight(v.doble()); }),
-        PropL(u"ScaleLeft", 4, T::Doble, [](Lienzo& l) { return l.ScaleLeft(); },
-              [](Lienzo& l, const Variant& v) { l.ScaleLeft(v.doble()); }),
-        PropL(u"ScaleTop", 5, T::Doble, [](Lienzo& l) { return l.ScaleTop(); },
-              [](Lienzo& l, const Variant& v) { l.ScaleTop(v.doble()); }),
-        PropL(u"CurrentX", 6, T::Doble, [](Lienzo& l) { return l.CurrentX(); },
-              [](Lienzo& l, const Variant& v) { l.CurrentX(v.doble()); }),
-        PropL(u"CurrentY", 7, T::Doble, [](Lienzo& l) { return l.CurrentY(); },
-              [](Lienzo& l, const Variant& v) { l.CurrentY(v.doble()); }),
-        PropL(u"FontName", 8, T::Texto, [](Lienzo& l) { return l.FontName(); },
-              [](Lienzo& l, const Variant& v) { l.FontName(v.texto()); }),
-        PropL(u"FontSize", 9, T::Doble, [](Lienzo& l) { return l.FontSize(); },
-              [](Lienzo& l, const Variant& v) { l.FontSize(v.doble()); }),
-        PropL(u"FontBold", 10, T::Booleano, [](Lienzo& l) { return l.FontBold(); },
-              [](Lienzo& l, const Variant& v) { l.FontBold(v.booleano()); }),
-        PropL(u"FontItalic", 11, T::Booleano, [](Lienzo& l) { return l.FontItalic(); },
-              [](Lienzo& l, const Variant& v) { l.FontItalic(v.booleano()); }),
-        PropL(u"FontUnderline", 12, T::Booleano, [](Lienzo& l) { return l.FontUnderline(); },
-              [](Lienzo& l, const Variant& v) { l.FontUnderline(v.booleano()); }),
-        PropL(u"FontStrikethru", 13, T::Booleano, [](Lienzo& l) { return l.FontStrikethru(); },
-              [](Lienzo& l, const Variant& v) { l.FontStrikethru(v.booleano()); }),
-        PropL(u"FontTransparent", 14, T::Booleano, [](Lienzo& l) { return l.FontTransparent(); },
-              [](Lienzo& l, const Variant& v) { l.FontTransparent(v.booleano()); }),
-        PropL(u"ForeColor", 15, T::Largo, [](Lienzo& l) { return l.ForeColor(); },
-              [](Lienzo& l, const Variant& v) { l.ForeColor(v.largo()); }),
-        PropL(u"DrawWidth", 17, T::Entero, [](Lienzo& l) { return int16_t(l.DrawWidth()); },
-              [](Lienzo& l, const Variant& v) { l.DrawWidth(v.entero()); }),
-        Prop<I>(u"Width", 20, T::Largo, [](I& i) { return Variant(i.Width()); },
-                [](I& i, const Variant& v) { i.Width(v.largo()); }),
-        Prop<I>(u"Height", 21, T::Largo, [](I& i) { return Variant(i.Height()); },
-                [](I& i, const Variant& v) { i.Height(v.largo()); }),
+    std::vector<Miembro<I>> m;
+    Agrega(m);
+    m.push_back(Prop<I>(u"Width", 20, T::Largo, [](I& i) { return Variant(i.Width()); },
+                        [](I& i, const Variant& v) { i.Width(v.largo()); }));
+    m.push_back(Prop<I>(u"Height", 21, T::Largo, [](I& i) { return Variant(i.Height()); },
+                        [](I& i, const Variant& v) { i.Height(v.largo()); }));
+    m.push_back(Prop<I>(u"DeviceName", 60, T::Texto, [](I& i) { return Variant(i.DeviceName()); }, SoloLectura<I>));
+    m.push_back(Prop<I>(u"Copies", 61, T::Entero, [](I& i) { return Variant(i.Copies()); },
+                        [](I& i, const Variant& v) { i.Copies(v.entero()); }));
+    m.push_back(Prop<I>(u"PaperSize", 62, T::Entero, [](I& i) { return Variant(i.PaperSize()); },
+                        [](I& i, const Variant& v) { i.PaperSize(v.entero()); }));
+    m.push_back(Prop<I>(u"Orientation", 63, T::Entero, [](I& i) { return Variant(i.Orientation()); },
+                        [](I& i, const Variant& v) { i.Orientation(v.entero()); }));
+    m.push_back(Prop<I>(u"ModoDeFondo", 64, T::Entero, [](I& i) { return Variant(i.ModoDeFondo()); },
+                        [](I& i, const Variant& v) { i.ModoDeFondo(v.entero()); }));
+    m.push_back(Prop<I>(u"hDC", 65, T::Largo, [](I& i) { return Variant(i.hDC()); }, SoloLectura<I>));
+    m.push_back(Prop<I>(u"Page", 66, T::Largo, [](I& i) { return Variant(i.Page()); }, SoloLectura<I>));
+    m.push_back(Prop<I>(u"ArchivoDeSalida", 67, T::Texto, [](I& i) { return Variant(i.ArchivoDeSalida()); },
+                        SoloLectura<I>));
 
-        PropSoloLectura(u"DeviceName", 60, T::Texto, [](I& i) { return i.DeviceName(); }),
-        Prop<I>(u"Copies", 61, T::Entero, [](I& i) { return Variant(i.Copies()); },
-                [](I& i, const Variant& v) { i.Copies(v.entero()); }),
-        Prop<I>(u"PaperSize", 62, T::Entero, [](I& i) { return Variant(i.PaperSize()); },
-                [](I& i, const Variant& v) { i.PaperSize(v.entero()); }),
-        Prop<I>(u"Orientation", 63, T::Entero, [](I& i) { return Variant(i.Orientation()); },
-                [](I& i, const Variant& v) { i.Orientation(v.entero()); }),
-        Prop<I>(u"ModoDeFondo", 64, T::Entero, [](I& i) { return Variant(i.ModoDeFondo()); },
-                [](I& i, const Variant& v) { i.ModoDeFondo(v.entero()); }),
-        PropSoloLectura(u"hDC", 65, T::Largo, [](I& i) { return i.hDC(); }),
-        PropSoloLectura(u"Page", 66, T::Largo, [](I& i) { return i.Page(); }),
-        PropSoloLectura(u"ArchivoDeSalida", 67, T::Texto, [](I& i) { return i.ArchivoDeSalida(); }),
-    };
-
-    // Font: a live view; Set Font = another font object copies its attributes.
-    Miembro<I> fuente = Prop<I>(
-        u"Font", 25, T::Objeto,
-        [](I& i) { return Variant(std::make_shared<FuenteDeImpresora>(i.shared_from_this())); },
-        [](I& i, const Variant& v) {
-            const auto& otra = v.objeto();
-            if (!otra) Lanza(err::kObjetoNoEstablecido);
-            Lienzo& l = i.lienzo();
-            l.FontName(CStr(otra->Lee(u"Name"_s)));
-            l.FontSize(CDbl(otra->Lee(u"Size"_s)));
-            l.FontBold(CBool(otra->Lee(u"Bold"_s)));
-            l.FontItalic(CBool(otra->Lee(u"Italic"_s)));
-        });
-    fuente.clase = ClaseDeMiembro::PropiedadObjeto;
-    m.push_back(fuente);
-
-    m.push_back(Metodo<I>(u"Scale"_s, 40, T::Ninguno,
-                          {Opcional(u"x1"), Opcional(u"y1"), Opcional(u"x2"), Opcional(u"y2")},
-                          [](I& i, std::span<Variant> a) {
-                              // All four or none, as the runtime's statement allows.
-                              const auto dados = std::count_if(a.begin(), a.end(), [](auto& v) { return !Omitido(v); });
-                              if (dados == 0) {
-                                  i.lienzo().Scale();
-                              } else if (dados == 4) {
-                                  i.lienzo().Scale(CDbl(a[0]), CDbl(a[1]), CDbl(a[2]), CDbl(a[3]));
-                              } else {
-                                  Lanza(err::kArgumentoNoOpcional);
-                              }
-                              return Variant();
-                          }));
-    // The second argument stands for the statement's trailing ";".
+    // Through the printer's own Print, which opens the job even for nothing
+    // to print. The second argument stands for the statement's trailing ";".
     m.push_back(Metodo<I>(u"Print"_s, 42, T::Ninguno, {Opcional(u"Texto"), Opcional(u"SinSalto", T::Booleano)},
                           [](I& i, std::span<Variant> a) {
                               i.Print(TextoAImprimir(a[0]), !a[1].booleano());
                               return Variant();
                           }));
-    m.push_back(Metodo<I>(u"Line"_s, 43, T::Ninguno,
-                          {Requerido(u"Flags", T::Entero), Opcional(u"X1"), Opcional(u"Y1"), Requerido(u"X2", T::Doble),
-                           Requerido(u"Y2", T::Doble), Opcional(u"Color")},
-                          [](I& i, std::span<Variant> a) {
-                              int16_t banderas = a[0].entero();
-                              if (Omitido(a[1]) || Omitido(a[2])) banderas &= ~trazo::kConPrimerPunto;
-                              banderas = Bandera(banderas, trazo::kConColor, a[5]);
-                              i.lienzo().Line(banderas, Numero(a[1]), Numero(a[2]), a[3].doble(), a[4].doble(),
-                                              Omitido(a[5]) ? 0 : CLng(a[5]));
-                              return Variant();
-                          }));
-    m.push_back(Metodo<I>(u"Circle"_s, 44, T::Ninguno,
-                          {Requerido(u"Flags", T::Entero), Requerido(u"X", T::Doble), Requerido(u"Y", T::Doble),
-                           Requerido(u"Radius", T::Doble), Opcional(u"Color"), Opcional(u"Start"), Opcional(u"End"),
-                           Opcional(u"Aspect")},
-                          [](I& i, std::span<Variant> a) {
-                              int16_t banderas = a[0].entero();
-                              banderas = Bandera(banderas, arco::kConColor, a[4]);
-                              banderas = Bandera(banderas, arco::kConInicio, a[5]);
-                              banderas = Bandera(banderas, arco::kConFin, a[6]);
-                              banderas = Bandera(banderas, arco::kConAspecto, a[7]);
-                              i.lienzo().Circle(banderas, a[1].doble(), a[2].doble(), a[3].doble(),
-                                                Omitido(a[4]) ? 0 : CLng(a[4]), Numero(a[5]), Numero(a[6]),
-                                                Omitido(a[7]) ? 1.0 : CDbl(a[7]));
-                              return Variant();
-                          }));
-    // Width and height default to the picture's own size.
-    m.push_back(Metodo<I>(u"PaintPicture"_s, 45, T::Ninguno,
-                          {Requerido(u"Picture", T::Variante), Requerido(u"X1", T::Doble), Requerido(u"Y1", T::Doble),
-                           Opcional(u"Width1"), Opcional(u"Height1")},
-                          [](I& i, std::span<Variant> a) {
-                              const Imagen& imagen = ImagenDe(a[0]);
-                              Lienzo& l = i.lienzo();
-                              const double ancho = Omitido(a[3]) ? l.AnchoDePixeles(imagen.AnchoHimetrico() / 2540.0 * l.PppX())
-                                                                 : CDbl(a[3]);
-                              const double alto = Omitido(a[4]) ? l.AltoDePixeles(imagen.AltoHimetrico() / 2540.0 * l.PppY())
-                                                                : CDbl(a[4]);
-                              l.PaintPicture(imagen.imagen(), a[1].doble(), a[2].doble(), ancho, alto);
-                              return Variant();
-                          }));
-    m.push_back(Metodo<I>(u"TextWidth"_s, 46, T::Doble, {Requerido(u"Str", T::Texto)},
-                          [](I& i, std::span<Variant> a) { return Variant(i.lienzo().TextWidth(a[0].texto())); }));
-    m.push_back(Metodo<I>(u"TextHeight"_s, 47, T::Doble, {Requerido(u"Str", T::Texto)},
-                          [](I& i, std::span<Variant> a) { return Variant(i.lienzo().TextHeight(a[0].texto())); }));
-
     m.push_back(Metodo<I>(u"NewPage"_s, 70, T::Ninguno, {}, [](I& i, std::span<Variant>) {
         i.NewPage();
         return Variant();
