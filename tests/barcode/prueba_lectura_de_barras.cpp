@@ -1,0 +1,181 @@
+// The barcodes the component draws, driven as a host drives it and read back
+// by zbar: on a preview surface, and through the embedded PDF printer.
+
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <functional>
+
+#include "comun/lectura_de_barras.h"
+#include "kaloimpresora/impresora.h"
+#include "kaloimpresora/impresoras.h"
+#include "kaloimpresora/superficies.h"
+#include "target/imagen.h"
+#include "target/impresora_sistema.h"
+#include "target/modulo4.h"
+
+namespace kalo {
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace zbar;
+using prueba::Lectura;
+using prueba::Lee;
+
+// At 300 dpi the narrowest Code 39 element (11 twips) is 2.3 pixels and a
+// wide one 6.9: snapping edges to pixels cannot make the two widths meet.
+// At the default 96 dpi a narrow bar would be thinner than a pixel.
+constexpr double kPpp = 300;
+const QSize kPagina(8.5 * kPpp, 2 * kPpp);
+
+std::vector<Lectura> Ordenadas(std::vector<Lectura> l) {
+    std::sort(l.begin(), l.end());
+    return l;
+}
+
+class LecturaDeBarras : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(carpeta.isValid());
+        modulo4::Estado() = {};
+        // Even the preview asks the current printer for its offsets; this one
+        // keeps the print server out of the test.
+        impresora = ImpresoraDelSistema::EnPdf(carpeta.path());
+        EstableceImpresoraActual(impresora);
+    }
+    void TearDown() override {
+        EstableceImpresoraActual(nullptr);
+        modulo4::Estado() = {};
+    }
+
+    // What a host's preview shows after one document with dibuja in it.
+    QImage EnVista(const std::function<void(Impresora&)>& dibuja) {
+        auto superficie = CreaSuperficieDeImagen(kPagina.width(), kPagina.height(), kPpp);
+        Impresora imp;
+        imp.Pantalla = true;
+        imp.Imagen2 = superficie;
+        // A logical page the surface's size: one inch drawn is one inch seen.
+        imp.FormaAncho(kPagina.width() / kPpp);
+        imp.FormaAlto(kPagina.height() / kPpp);
+        imp.IniciaDocumento();
+        dibuja(imp);
+        imp.FinDocumento();
+        return std::dynamic_pointer_cast<Imagen>(superficie->Lee(u"Image"_s).objeto())->imagen();
+    }
+
+    QTemporaryDir carpeta;
+    std::shared_ptr<ImpresoraDelSistema> impresora;
+};
+
+TEST_F(LecturaDeBarras, Codigo39EnLaVista) {
+    struct Caso {
+        Variant angosto;  // twips
+        QString mensaje;
+        Variant verificador;
+        bool caja;
+        std::string leido;
+    };
+    const Variant omitido = Variant::Falta();
+    const Caso casos[] = {
+        {20, u"12345"_s, omitido, false, "12345"},
+        // zbar hands the check character back as data.
+        {20, u"12345"_s, int16_t{1}, false, "12345F"},
+        {20, u"12345"_s, true, false, "12345"},  // true is not the number 1
+        {20, u"ABC-12"_s, omitido, false, "ABC-12"},
+        {20, u"*ABC-12*"_s, omitido, false, "ABC-12"},
+        {30, u"CODE 39"_s, int16_t{1}, false, "CODE 39R"},
+        // The frame stands 150 twips off the bars: a full quiet zone of ten
+        // narrows while the narrow is at most 15.
+        {15, u"ABC-12"_s, int16_t{1}, true, "ABC-12T"},
+        // Below the minimum: drawn at 11 twips.
+        {int16_t{5}, u"ABC-12"_s, int16_t{1}, false, "ABC-12T"},
+        {int16_t{5}, u"*ABC-12*"_s, omitido, true, "ABC-12"},
+    };
+    for (const Caso& c : casos) {
+        SCOPED_TRACE(c.mensaje.toStdString() + " angosto " + std::to_string(CInt(c.angosto)) + " verificador " +
+                     (c.verificador.esFalta() ? "omitido" : CStr(c.verificador).toStdString()));
+        const QImage imagen = EnVista([&](Impresora& imp) {
+            imp.Codigo39(720, 720, c.angosto, 900, c.mensaje, c.caja, c.verificador, u"Lote 7"_s, u"Caja 3"_s);
+        });
+        EXPECT_EQ(Lee(imagen), (std::vector<Lectura>{{ZBAR_CODE39, c.leido}}));
+    }
+}
+
+TEST_F(LecturaDeBarras, Codigo39AngostoMinimoSeDibujaAOnceTwips) {
+    auto dibuja = [&](int16_t angosto) {
+        return EnVista([&](Impresora& imp) { imp.Codigo39(720, 720, angosto, 900, u"ABC-12"_s); });
+    };
+    const QImage minimo = dibuja(11);
+    EXPECT_EQ(Lee(minimo), (std::vector<Lectura>{{ZBAR_CODE39, "ABC-12"}}));
+    EXPECT_EQ(dibuja(5), minimo);
+    EXPECT_NE(dibuja(12), minimo);
+}
+
+TEST_F(LecturaDeBarras, ImagenesEstiradasEnLaVista) {
+    using Dibujo = std::function<void(Impresora&, const QRectF&)>;
+    using Metodo = void (Impresora::*)(int16_t, const QString&, const Variant&, const Variant&, const Variant&,
+                                       const Variant&, bool);
+    auto con = [](Metodo m, QString datos) -> Dibujo {
+        return [=](Impresora& i, const QRectF& r) {
+            (i.*m)(60, datos, r.left(), r.top(), r.width(), r.height(), true);
+        };
+    };
+    struct Caso {
+        const char* nombre;
+        Dibujo dibuja;
+        Lectura leida;
+    };
+    const Caso casos[] = {
+        {"Code 128 digitos", con(&Impresora::Bar128, u"0123456789"_s), {ZBAR_CODE128, "0123456789"}},
+        {"Code 128 texto", con(&Impresora::Bar128, u"Pedido 4512"_s), {ZBAR_CODE128, "Pedido 4512"}},
+        {"Code 128 texto y digitos", con(&Impresora::Bar128, u"LOTE 20240517"_s), {ZBAR_CODE128, "LOTE 20240517"}},
+        {"Code 128 control", con(&Impresora::Bar128, u"LOTE\t42"_s), {ZBAR_CODE128, "LOTE\t42"}},
+        {"3 de 9 con verificador",
+         [](Impresora& i, const QRectF& r) {
+             i.Bar3de9(60, u"ABC-12"_s, r.left(), r.top(), r.width(), r.height(), true);
+         },
+         {ZBAR_CODE39, "ABC-12T"}},
+        // Twelve or seven digits: the symbol carries its computed check digit.
+        {"EAN-13", con(&Impresora::BarEAN13, u"750100000001"_s), {ZBAR_EAN13, "7501000000012"}},
+        {"EAN-13 otro", con(&Impresora::BarEAN13, u"590123412345"_s), {ZBAR_EAN13, "5901234123457"}},
+        {"EAN-8", con(&Impresora::BarEAN8, u"1234567"_s), {ZBAR_EAN8, "12345670"}},
+        {"EAN-8 otro", con(&Impresora::BarEAN8, u"9638507"_s), {ZBAR_EAN8, "96385074"}},
+    };
+    // Inches. Neither has a picture's proportions: one wide and flat, one
+    // narrow and tall.
+    const QRectF rectangulos[] = {{0.5, 0.3, 5.0, 0.8}, {0.5, 0.3, 1.6, 1.4}};
+    for (const Caso& c : casos)
+        for (const QRectF& r : rectangulos) {
+            SCOPED_TRACE(std::string(c.nombre) + " en " + std::to_string(r.width()) + " x " +
+                         std::to_string(r.height()));
+            EXPECT_EQ(Lee(EnVista([&](Impresora& imp) { c.dibuja(imp, r); })), std::vector<Lectura>{c.leida});
+        }
+}
+
+TEST_F(LecturaDeBarras, EnElPdfDeLaImpresora) {
+    Impresora imp;
+    imp.Pantalla = false;
+    imp.IniciaDocumento();
+    imp.Codigo39(1440, 1440, 15, 900, u"ABC-12"_s, true, int16_t{1});
+    imp.BarEAN13(60, u"750100000001"_s, 1.0, 3.0, 3.0, 1.0);
+    imp.FinDocumento();
+    const QString pdf = CStr(impresora->Lee(u"ArchivoDeSalida"_s));
+    ASSERT_FALSE(pdf.isEmpty());
+
+    const QString base = carpeta.filePath(u"pagina"_s);
+    QProcess pdftoppm;
+    pdftoppm.start(u"pdftoppm"_s, {u"-r"_s, u"300"_s, u"-png"_s, u"-singlefile"_s, pdf, base});
+    ASSERT_TRUE(pdftoppm.waitForFinished(60000));
+    ASSERT_EQ(pdftoppm.exitCode(), 0) << pdftoppm.readAllStandardError().toStdString();
+    const QImage pagina(base + u".png"_s);
+    ASSERT_FALSE(pagina.isNull());
+
+    EXPECT_EQ(Ordenadas(Lee(pagina)),
+              Ordenadas({{ZBAR_CODE39, "ABC-12T"}, {ZBAR_EAN13, "7501000000012"}}));
+}
+
+}  // namespace
+}  // namespace kalo
