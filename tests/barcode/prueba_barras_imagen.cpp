@@ -2,22 +2,16 @@
 // what reaches the target.
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
-#include <QFile>
-
-#include "comun/objeto_grabador.h"
+#include "comun/impresora_con_grabadores.h"
+#include "comun/lectura_de_reporte.h"
 #include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/impresora.h"
 #include "target/imagen.h"
-#include "kaloimpresora/impresoras.h"
-#include "target/modulo4.h"
 
 using namespace kalo;
 using namespace Qt::StringLiterals;
 using kalo::prueba::ConUtilerias;
 using kalo::prueba::NumeroDeError;
-using kalo::prueba::ObjetoGrabador;
 
 namespace {
 
@@ -47,39 +41,19 @@ public:
     std::shared_ptr<Imagen> imagen = std::make_shared<Imagen>(QImage(4, 2, QImage::Format_RGB32));
 };
 
-class BarrasComoImagen : public ::testing::Test {
+class BarrasComoImagen : public prueba::ConImpresoraYVistaGrabadoras<> {
 protected:
     void SetUp() override {
-        modulo4::Estado() = {};
-        EstableceImpresoraActual(std::make_shared<ObjetoGrabador>());
-        vista = std::make_shared<ObjetoGrabador>();
-        imp.Imagen2 = vista;
-        imp.Pantalla = true;
-        imp.Archivo = true;
+        ConImpresoraYVistaGrabadoras::SetUp();
         imp.IniciaDocumento();
     }
-    void TearDown() override {
-        EstableceImpresoraActual(nullptr);
-        const QString db = imp.DB;
-        imp.sq = nullptr;
-        for (const char* s : {"", "-wal", "-shm"}) QFile::remove(db + QString::fromLatin1(s));
-    }
     QString UltimoComando() {
-        sqlite3* bd = nullptr;
-        sqlite3_open_v2(imp.DB.toUtf8().constData(), &bd, SQLITE_OPEN_READONLY, nullptr);
-        sqlite3_stmt* s = nullptr;
-        sqlite3_prepare_v2(bd, "SELECT source FROM source ORDER BY row DESC LIMIT 1", -1, &s, nullptr);
-        QString r;
-        if (sqlite3_step(s) == SQLITE_ROW) r = QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(s, 0)));
-        sqlite3_finalize(s);
-        sqlite3_close(bd);
-        return r;
+        const QStringList comandos = prueba::Comandos(imp.DB);
+        return comandos.isEmpty() ? QString() : comandos.last();
     }
 
     std::shared_ptr<CodificadorDePrueba> codificador = std::make_shared<CodificadorDePrueba>();
     ConUtilerias utilerias{codificador};
-    Impresora imp;
-    std::shared_ptr<ObjetoGrabador> vista;
 };
 
 TEST_F(BarrasComoImagen, ComandosYPedidosConSusValoresPorOmision) {

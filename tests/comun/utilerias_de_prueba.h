@@ -21,6 +21,19 @@ int32_t NumeroDeError(F&& cuerpo) {
     return 0;
 }
 
+// An object whose default member reads as a fixed value.
+class ObjetoConValor : public Objeto {
+public:
+    explicit ObjetoConValor(Variant valor) : valor_(std::move(valor)) {}
+    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) override {
+        if (dispid == kDispidValor && tipo == Llamada::LeePropiedad) return valor_;
+        return Objeto::Invoca(dispid, tipo, argumentos);
+    }
+
+private:
+    Variant valor_;
+};
+
 // Switches the user's locale for the life of the object.
 class ConLocal {
 public:

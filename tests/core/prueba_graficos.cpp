@@ -7,12 +7,9 @@
 #include <QFile>
 #include <QImage>
 
-#include "comun/objeto_grabador.h"
+#include "comun/impresora_con_grabadores.h"
 #include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/impresora.h"
 #include "target/imagen.h"
-#include "kaloimpresora/impresoras.h"
-#include "target/modulo4.h"
 
 using namespace kalo;
 using namespace Qt::StringLiterals;
@@ -21,22 +18,14 @@ using kalo::prueba::ObjetoGrabador;
 
 namespace {
 
-class Graficos : public ::testing::TestWithParam<bool> {
+class Graficos : public prueba::ConImpresoraYVistaGrabadoras<::testing::TestWithParam<bool>> {
 protected:
     void SetUp() override {
-        modulo4::Estado() = {};
-        impresora = std::make_shared<ObjetoGrabador>();
-        impresora->Pon(u"ScaleWidth"_s, 8.0f);
-        impresora->Pon(u"ScaleHeight"_s, 10.5f);
-        EstableceImpresoraActual(impresora);
-        vista = std::make_shared<ObjetoGrabador>();
-        vista->Pon(u"ScaleWidth"_s, 8.5);
-        vista->Pon(u"ScaleHeight"_s, 11.0);
-        imp.Imagen2 = vista;
+        ConImpresoraYVistaGrabadoras::SetUp();
         imp.Pantalla = !EnImpresora();
+        imp.Archivo = false;
         imp.IniciaDocumento();
     }
-    void TearDown() override { EstableceImpresoraActual(nullptr); }
 
     bool EnImpresora() const { return GetParam(); }
     ObjetoGrabador& Destino() { return EnImpresora() ? *impresora : *vista; }
@@ -45,9 +34,6 @@ protected:
         auto llamados = Destino().De(miembro);
         return llamados.empty() ? std::vector<Variant>{} : llamados.back().argumentos;
     }
-
-    Impresora imp;
-    std::shared_ptr<ObjetoGrabador> impresora, vista;
 };
 
 TEST_P(Graficos, LineaVaAlOrillaIzquierdaYDesplazaSoloEnLaImpresora) {

@@ -1,72 +1,20 @@
 // Text and font methods: what they record and what they ask of the target.
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
-#include <QFile>
-
-#include "comun/objeto_grabador.h"
+#include "comun/impresora_con_grabadores.h"
+#include "comun/lectura_de_reporte.h"
 #include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/impresora.h"
-#include "kaloimpresora/impresoras.h"
-#include "target/modulo4.h"
 
 using namespace kalo;
 using namespace Qt::StringLiterals;
 using kalo::prueba::ConLocal;
 using kalo::prueba::NumeroDeError;
-using kalo::prueba::ObjetoGrabador;
+using kalo::prueba::Renglones;
 
 namespace {
 
-struct Renglon {
-    QString source;
-    double nrow, ncol;
-    QString contenido, fuente;
-    double fsize;
-    int bold, italic;
-};
-
-std::vector<Renglon> Renglones(const QString& archivo) {
-    std::vector<Renglon> r;
-    sqlite3* bd = nullptr;
-    sqlite3_open_v2(archivo.toUtf8().constData(), &bd, SQLITE_OPEN_READONLY, nullptr);
-    sqlite3_stmt* s = nullptr;
-    sqlite3_prepare_v2(bd, "SELECT source, nrow, ncol, contenido, fuente, fsize, bold, italic FROM source ORDER BY row",
-                       -1, &s, nullptr);
-    auto texto = [&](int c) { return QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(s, c))); };
-    while (s && sqlite3_step(s) == SQLITE_ROW)
-        r.push_back({texto(0), sqlite3_column_double(s, 1), sqlite3_column_double(s, 2), texto(3), texto(4),
-                     sqlite3_column_double(s, 5), sqlite3_column_int(s, 6), sqlite3_column_int(s, 7)});
-    sqlite3_finalize(s);
-    sqlite3_close(bd);
-    return r;
-}
-
-class Texto : public ::testing::Test {
-protected:
-    void SetUp() override {
-        modulo4::Estado() = {};
-        impresora = std::make_shared<ObjetoGrabador>();
-        impresora->Pon(u"ScaleWidth"_s, 8.0f);
-        impresora->Pon(u"ScaleHeight"_s, 10.5f);
-        EstableceImpresoraActual(impresora);
-        vista = std::make_shared<ObjetoGrabador>();
-        vista->Pon(u"ScaleWidth"_s, 8.5);
-        vista->Pon(u"ScaleHeight"_s, 11.0);
-        imp.Imagen2 = vista;
-        imp.Pantalla = true;
-        imp.Archivo = true;
-    }
-    void TearDown() override {
-        EstableceImpresoraActual(nullptr);
-        const QString db = imp.DB;
-        imp.sq = nullptr;
-        for (const char* s : {"", "-wal", "-shm"}) QFile::remove(db + QString::fromLatin1(s));
-    }
-    Impresora imp;
-    std::shared_ptr<ObjetoGrabador> impresora, vista;
-};
+using Texto = prueba::ConImpresoraYVistaGrabadoras<>;
 
 TEST_F(Texto, SayRegistraLaRejillaYEscribeElTextoSinCambiar) {
     imp.IniciaDocumento();

@@ -14,25 +14,11 @@ namespace kalo {
 namespace {
 
 using prueba::NumeroDeError;
+using prueba::ObjetoConValor;
 
 std::string U8(const QString& s) { return s.toStdString(); }
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInf = std::numeric_limits<double>::infinity();
-
-// Answers its default member with a fixed value.
-class ObjetoConValor : public Objeto {
-public:
-    explicit ObjetoConValor(Variant valor) : valor_(std::move(valor)) {}
-    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) override {
-        if (dispid == kDispidValor && tipo == Llamada::LeePropiedad)
-            return valor_;
-        return Objeto::Invoca(dispid, tipo, argumentos);
-    }
-
-private:
-    Variant valor_;
-};
 
 // Its default member is itself.
 class ObjetoCircular : public Objeto, public std::enable_shared_from_this<ObjetoCircular> {
@@ -77,11 +63,9 @@ TEST_P(PorLocal, TextoDeNumeros) {
         {1234567890123456.0, "1.23456789012346E+15", "1,23456789012346E+15"},
         {0.1 + 0.2, "0.3", "0,3"},
         {0.0001, "0.0001", "0,0001"},
-        {-2.5, "-2.5", "-2,5"},
         {-0.0, "0", "0"},
         {1.0f / 3, "0.3333333", "0,3333333"},
         {1e7f, "1E+07", "1E+07"},
-        {16777216.0f, "1.677722E+07", "1,677722E+07"},
         {Moneda{125000}, "12.5", "12,5"},
         {Moneda{-1}, "-0.0001", "-0,0001"},
         {Moneda{30000}, "3", "3"},
@@ -93,7 +77,6 @@ TEST_P(PorLocal, TextoDeNumeros) {
         {Variant(), "", ""},
         {"texto", "texto", "texto"},
         {Variant::Falta(), "Error 448", "Error 448"},
-        {Variant::Error(13), "Error 13", "Error 13"},
     };
     for (const Caso& c : casos)
         EXPECT_EQ(U8(CStr(c.valor)), Segun(c.enUs, c.esEs)) << "se esperaba " << c.enUs;
@@ -111,7 +94,6 @@ TEST_P(PorLocal, LecturaDeTextoNumerico) {
         {"1,234.5", 1234.5, 0, 0, 13},
         {"1.234,5", 0, 1234.5, 13, 0},
         {"1.5", 1.5, 15, 0, 0},  // "." groups digits in es_ES
-        {"1,5", 15, 1.5, 0, 0},
         {"1,2,3", 123, 0, 0, 13},
         {"  -12\t", -12, -12, 0, 0},
         {"12-", -12, -12, 0, 0},
@@ -119,7 +101,6 @@ TEST_P(PorLocal, LecturaDeTextoNumerico) {
         {"(5)", -5, -5, 0, 0},
         {"$5", 5, 0, 0, 13},
         {"(5 €)", 0, -5, 13, 0},
-        {"1E3", 1000, 1000, 0, 0},
         {"1d-2", 0.01, 0.01, 0, 0},
         {"2.5e-1", 0.25, 2.5, 0, 0},
         {"&HFFFF", -1, -1, 0, 0},
@@ -131,13 +112,11 @@ TEST_P(PorLocal, LecturaDeTextoNumerico) {
         {"&H123456789", 0, 0, 13, 13},
         {"1E400", 0, 0, 6, 6},
         {"abc", 0, 0, 13, 13},
-        {"", 0, 0, 13, 13},
         {"   ", 0, 0, 13, 13},
         {"1E", 0, 0, 13, 13},
         {"(5", 0, 0, 13, 13},
         {"-(5)", 0, 0, 13, 13},
         {"--5", 0, 0, 13, 13},
-        {"1 2", 0, 0, 13, 13},
         {"5x", 0, 0, 13, 13},
     };
     for (const Caso& c : casos) {
@@ -173,17 +152,14 @@ TEST_P(PorLocal, FechasDeTexto) {
         {"1/5/2020", 43835, true},
         {"1/5/2020 1:30 PM", 43835.5625, true},
         {"5/1/2020", 43835, false, true},
-        {"5/1/2020 13:30:00", 43835.5625, false, true},
         {"5.1.2020", 43835, false, true},
         {"5/1/20", 43835, false, true},
-        {"5 de enero de 2020", 43835, false, true},
         {"domingo, 5 de enero de 2020", 43835, false, true},
         {"January 5, 2020", 43835},
         {"5-Jan-2020", 43835},
         {"13:30:00", 0.5625},
         {"1:30:00 PM", 0.5625},
         {"12:00 AM", 0},
-        {"1899-12-31", 1},
         {"1900-01-01", 2},
         {"1899-12-29 12:00", -1.5},
     };
@@ -207,7 +183,7 @@ TEST_P(PorLocal, FechasComoTexto) {
     EXPECT_EQ(U8(CStr(Variant::Fecha(0.5625))), Segun("1:30:00 PM", "13:30:00"));
     EXPECT_EQ(U8(CStr(Variant::Fecha(-1.5))), Segun("12/29/1899 12:00:00 PM", "29/12/1899 12:00:00"));
     // Text written from a date reads back as the same date.
-    for (double serial : {43835.5625, 43835.0, 0.5625, -1.5, -700.25, 2.0, 2958465.0, -657434.0, 45000.999988425923}) {
+    for (double serial : {43835.5625, 0.5625, -1.5, -700.25, 2958465.0, -657434.0, 45000.999988425923}) {
         const QString texto = CStr(Variant::Fecha(serial));
         SCOPED_TRACE(U8(texto));
         EXPECT_NEAR(CDate(texto), serial, 0.5 / 86400);
@@ -232,8 +208,8 @@ TEST(LocalDelUsuario, SinReemplazoEsElDelSistema) {
 
 TEST(RedondeaPar, MitadesAlPar) {
     const std::pair<double, double> casos[] = {
-        {0.5, 0},   {1.5, 2},  {2.5, 2},    {-2.5, -2},   {8.5, 8},         {9.5, 10},         {-3.5, -4},
-        {2.4, 2},   {2.6, 3},  {-2.6, -3},  {0.49999999999999994, 0},       {4503599627370497.0, 4503599627370497.0},
+        {0.5, 0}, {1.5, 2}, {2.5, 2}, {-2.5, -2}, {-3.5, -4}, {2.4, 2}, {2.6, 3},
+        {0.49999999999999994, 0}, {4503599627370497.0, 4503599627370497.0},
     };
     for (auto [x, esperado] : casos)
         EXPECT_EQ(RedondeaPar(x), esperado) << x;
@@ -250,8 +226,6 @@ TEST(ConversionAEntero, RedondeoYLimites) {
     };
     const Caso casos[] = {
         {2.5, 2, 0, 2, 0},
-        {-2.5, -2, 0, -2, 0},
-        {3.5, 4, 0, 4, 0},
         {32767.4, 32767, 0, 32767, 0},
         {32767.5, 0, 6, 32768, 0},
         {-32768.5, -32768, 0, -32768, 0},
@@ -263,15 +237,11 @@ TEST(ConversionAEntero, RedondeoYLimites) {
         {Moneda{35000}, 4, 0, 4, 0},
         {Moneda{-25000}, -2, 0, -2, 0},
         {Moneda{-25001}, -3, 0, -3, 0},
-        {1.5f, 2, 0, 2, 0},
         {true, -1, 0, -1, 0},
         {Variant(), 0, 0, 0, 0},
-        {Variant::Fecha(2.5), 2, 0, 2, 0},
         {kNaN, 0, 6, 0, 6},
-        {kInf, 0, 6, 0, 6},
         {Variant::Nulo(), 0, 94, 0, 94},
         {Variant::Falta(), 0, 13, 0, 13},
-        {"abc", 0, 13, 0, 13},
         {Variant::Nada(), 0, 91, 0, 91},
     };
     for (const Caso& c : casos) {
@@ -296,10 +266,9 @@ TEST(ConversionABooleano, TextosYNumeros) {
         int32_t error;
     };
     const Caso casos[] = {
-        {"True", true, 0},      {" true ", true, 0},    {"VERDADERO", true, 0},  {"Falso", false, 0},
-        {"false", false, 0},    {"0", false, 0},        {"-5", true, 0},         {"&H0", false, 0},
-        {"si", false, 13},      {"", false, 13},        {Variant(), false, 0},   {0.0, false, 0},
-        {0.001, true, 0},       {Moneda{1}, true, 0},   {int16_t{0}, false, 0},  {Variant::Nulo(), false, 94},
+        {" true ", true, 0}, {"VERDADERO", true, 0}, {"Falso", false, 0},     {"false", false, 0},
+        {"0", false, 0},     {"-5", true, 0},        {"si", false, 13},       {Variant(), false, 0},
+        {0.001, true, 0},    {Moneda{1}, true, 0},   {int16_t{0}, false, 0},  {Variant::Nulo(), false, 94},
         {Variant::Falta(), false, 13},
     };
     for (const Caso& c : casos) {
@@ -321,10 +290,8 @@ TEST(ConversionAMoneda, RedondeoDecimalYLimites) {
     const Caso casos[] = {
         {2.00005, 20000, 0},     // the decimal half, not the binary value below it
         {2.00015, 20002, 0},
-        {1.23456, 12346, 0},
         {-1.23455, -12346, 0},
         {0.00005, 0, 0},
-        {0.00015, 2, 0},
         {1.1f, 11000, 0},
         {922337203685477.0, 9223372036854770000, 0},
         {"922337203685477.5807", INT64_MAX, 0},
@@ -356,9 +323,9 @@ TEST(ConversionAFecha, NumerosEIntervalo) {
         int32_t error;
     };
     const Caso casos[] = {
-        {2.5, 2.5, 0},         {int16_t{-1}, -1, 0},       {true, -1, 0},        {Variant(), 0, 0},
-        {Moneda{15000}, 1.5, 0}, {2958465.99, 2958465.99, 0}, {2958466.0, 0, 6},   {-657434.0, -657434, 0},
-        {-657435.0, 0, 6},     {kNaN, 0, 6},               {Variant::Nulo(), 0, 94}, {Variant::Falta(), 0, 13},
+        {2.5, 2.5, 0},         {true, -1, 0},     {Variant(), 0, 0},       {2958465.99, 2958465.99, 0},
+        {2958466.0, 0, 6},     {-657434.0, -657434, 0}, {-657435.0, 0, 6}, {kNaN, 0, 6},
+        {Variant::Nulo(), 0, 94}, {Variant::Falta(), 0, 13},
     };
     for (const Caso& c : casos) {
         SCOPED_TRACE(c.serial);
@@ -395,20 +362,13 @@ TEST(ConversionDeObjetos, PorSuMiembroPredeterminado) {
     }
 }
 
-TEST(ConversionesDeNull, Error94) {
-    const Variant nulo = Variant::Nulo();
-    EXPECT_EQ(NumeroDeError([&] { CStr(nulo); }), 94);
-    EXPECT_EQ(NumeroDeError([&] { CDbl(nulo); }), 94);
-    EXPECT_EQ(NumeroDeError([&] { CSng(nulo); }), 94);
-    EXPECT_EQ(NumeroDeError([&] { CBool(nulo); }), 94);
-    EXPECT_EQ(NumeroDeError([&] { CCur(nulo); }), 94);
-}
-
-TEST(ConversionASencillo, Desbordamiento) {
+TEST(ConversionASencillo, DesbordamientoYNull) {
     EXPECT_EQ(CSng(1e38), 1e38f);
     EXPECT_EQ(NumeroDeError([] { CSng(1e39); }), 6);
     EXPECT_EQ(NumeroDeError([] { CSng(-1e39); }), 6);
     EXPECT_EQ(CSng(Moneda{15000}), 1.5f);
+    EXPECT_EQ(NumeroDeError([] { CSng(Variant::Nulo()); }), 94);
+    EXPECT_EQ(NumeroDeError([] { CStr(Variant::Nulo()); }), 94);
 }
 
 }  // namespace

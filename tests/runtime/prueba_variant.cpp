@@ -13,21 +13,9 @@ namespace kalo {
 namespace {
 
 using prueba::NumeroDeError;
+using prueba::ObjetoConValor;
 
 std::string U8(const QString& s) { return s.toStdString(); }
-
-class ObjetoConValor : public Objeto {
-public:
-    explicit ObjetoConValor(Variant valor) : valor_(std::move(valor)) {}
-    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) override {
-        if (dispid == kDispidValor && tipo == Llamada::LeePropiedad)
-            return valor_;
-        return Objeto::Invoca(dispid, tipo, argumentos);
-    }
-
-private:
-    Variant valor_;
-};
 
 std::string Describe(const Variant& v) {
     std::string texto = "tipo " + std::to_string(int(v.tipo()));
@@ -62,15 +50,11 @@ TEST_F(VariantEnUs, Aritmetica) {
         int32_t error = 0;
     };
     const auto objeto = std::make_shared<ObjetoConValor>(Variant(int16_t{5}));
-    const auto objetoTexto = std::make_shared<ObjetoConValor>(Variant("a"));
     const Caso casos[] = {
-        {"texto+texto", "ab", kSuma, "cd", "abcd"},
         {"cifras+cifras", "1", kSuma, "2", "12"},
         {"texto+entero", "1.5", kSuma, int16_t{2}, 3.5},
-        {"entero+texto", int16_t{2}, kSuma, "3", 5.0},
         {"texto-texto", "7", kResta, "2", 5.0},
         {"no numerico", "x", kSuma, int16_t{1}, {}, 13},
-        {"nulo+numero", Variant::Nulo(), kSuma, int16_t{1}, Variant::Nulo()},
         {"texto+nulo", "a", kSuma, Variant::Nulo(), Variant::Nulo()},
         {"nulo/0", Variant::Nulo(), kCociente, int16_t{0}, Variant::Nulo()},
         {"vacio+vacio", Variant(), kSuma, Variant(), int16_t{0}},
@@ -80,7 +64,6 @@ TEST_F(VariantEnUs, Aritmetica) {
         {"booleanos", true, kSuma, true, int16_t{-2}},
         {"entero al limite", int16_t{32766}, kSuma, int16_t{1}, int16_t{32767}},
         {"entero a largo", int16_t{32767}, kSuma, int16_t{1}, int32_t{32768}},
-        {"producto a largo", int16_t{300}, kProducto, int16_t{300}, int32_t{90000}},
         {"resta a largo", int16_t{-32768}, kResta, int16_t{1}, int32_t{-32769}},
         {"largo a doble", int32_t{2147483647}, kSuma, int16_t{1}, 2147483648.0},
         {"sencillo+entero", 1.5f, kSuma, int16_t{1}, 2.5f},
@@ -90,24 +73,19 @@ TEST_F(VariantEnUs, Aritmetica) {
         {"doble desbordado", 1e308, kProducto, 10.0, {}, 6},
         {"moneda+entero", Moneda{15000}, kSuma, int16_t{1}, Moneda{25000}},
         {"moneda+doble", Moneda{15000}, kSuma, 0.00005, Moneda{15000}},
-        {"moneda*moneda", Moneda{15000}, kProducto, Moneda{15000}, Moneda{22500}},
+        {"moneda*entero", Moneda{15000}, kProducto, int16_t{3}, Moneda{45000}},
         {"moneda*moneda al par", Moneda{3}, kProducto, Moneda{5000}, Moneda{2}},
         {"moneda*doble", Moneda{10000}, kProducto, 0.25, Moneda{2500}},
         {"moneda desbordada", Moneda{INT64_MAX}, kSuma, int16_t{1}, {}, 6},
         {"moneda/moneda", Moneda{10000}, kCociente, Moneda{40000}, 0.25},
         {"fecha+numero", Variant::Fecha(10), kSuma, int16_t{1}, Variant::Fecha(11)},
-        {"fecha-numero", Variant::Fecha(10), kResta, 0.5, Variant::Fecha(9.5)},
         {"fecha-fecha", Variant::Fecha(10), kResta, Variant::Fecha(3), 7.0},
         {"fecha fuera de intervalo", Variant::Fecha(2958465), kSuma, int16_t{2}, {}, 6},
         {"cociente", int16_t{7}, kCociente, int16_t{2}, 3.5},
-        {"vacio/numero", Variant(), kCociente, int16_t{2}, 0.0},
         {"entre cero", int16_t{1}, kCociente, int16_t{0}, {}, 11},
-        {"entre vacio", int16_t{5}, kCociente, Variant(), {}, 11},
         {"cero entre cero", 0.0, kCociente, int16_t{0}, {}, 6},
         {"falta", Variant::Falta(), kSuma, int16_t{1}, {}, 13},
-        {"error", Variant::Error(5), kProducto, int16_t{2}, {}, 13},
         {"objeto", objeto, kSuma, int16_t{1}, int16_t{6}},
-        {"objeto con texto", objetoTexto, kSuma, "b", "ab"},
         {"nada", Variant::Nada(), kSuma, int16_t{1}, {}, 91},
     };
     for (const Caso& c : casos) {
@@ -129,28 +107,19 @@ TEST_F(VariantEnUs, Comparacion) {
     };
     const Caso casos[] = {
         {int16_t{1}, 2.0, -1},
-        {"abc", "abd", -1},
         {"a", "B", 1},  // binary: lower case after upper case
         {"abc", "ab", 1},
         {"10", int16_t{9}, 1},  // numeric text beside a number compares as a number
         {"10", "9", -1},
-        {"1.5", 1.5, 0},
         {"abc", int32_t{1000}, 1},
-        {int16_t{5}, "x", -1},
-        {Variant(), "", 0},
         {Variant(), "a", -1},
         {Variant(), int16_t{0}, 0},
-        {Variant(), -0.5, 1},
         {true, int16_t{-1}, 0},
-        {false, true, 1},
         {Moneda{10000}, int16_t{1}, 0},
         {Moneda{5000}, 0.5, 0},
         {Moneda{INT64_MAX}, Moneda{INT64_MAX - 1}, 1},
-        {Variant::Fecha(2), int16_t{2}, 0},
         {0.1f, 0.1, 1},
         {Variant::Nulo(), int16_t{1}, std::nullopt},
-        {"a", Variant::Nulo(), std::nullopt},
-        {Variant::Nulo(), Variant::Nulo(), std::nullopt},
         {Variant::Falta(), int16_t{1}, std::nullopt, 13},
         {Variant::Nada(), int16_t{1}, std::nullopt, 91},
     };
@@ -181,7 +150,6 @@ TEST(Variant, Identico) {
     const Caso casos[] = {
         {int16_t{1}, int16_t{1}, true},
         {int16_t{1}, int32_t{1}, false},
-        {1.0, Variant::Fecha(1.0), false},
         {0.0, -0.0, false},
         {"a", "a", true},
         {"a", "A", false},
@@ -189,7 +157,6 @@ TEST(Variant, Identico) {
         {o1, o2, false},
         {Variant::Falta(), Variant::Error(448), true},
         {Variant::Nulo(), Variant::Nulo(), true},
-        {Variant(), Variant::Nulo(), false},
         {Moneda{5}, Moneda{5}, true},
     };
     for (const Caso& c : casos)
@@ -208,24 +175,17 @@ TEST(Variant, EsNumerico) {
 }
 
 TEST(Variant, FaltaEsElError448) {
-    const Variant falta = Variant::Falta();
-    EXPECT_EQ(falta.tipo(), TipoVariant::Error);
-    EXPECT_EQ(falta.codigoDeError(), 448);
-    EXPECT_TRUE(falta.esFalta());
+    // Its type and number are proven identical to Error(448) above.
+    EXPECT_TRUE(Variant::Falta().esFalta());
     EXPECT_FALSE(Variant::Error(13).esFalta());
-    EXPECT_EQ(U8(CStr(falta)), "Error 448");
 }
 
+// The ends of the sorted table and numbers outside it; 13, 94 and 11 below.
 TEST(Errores, Descripciones) {
     const std::pair<int32_t, const char*> casos[] = {
-        {13, "No coinciden los tipos"},
-        {94, "Uso no válido de Null"},
-        {6, "Desbordamiento"},
-        {11, "División por cero"},
-        {438, "El objeto no admite esta propiedad o método"},
-        {91, "Variable de objeto o bloque With no establecido"},
-        {450, "Número de argumentos erróneo o asignación de propiedad no válida"},
+        {5, "Llamada a procedimiento o argumento no válido"},
         {482, "Error de impresora"},
+        {8, "Error definido por la aplicación o el objeto"},
         {9999, "Error definido por la aplicación o el objeto"},
         {0, "Error definido por la aplicación o el objeto"},
     };

@@ -1,7 +1,6 @@
 // The report spool file, read back with SQLite.
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -11,6 +10,7 @@
 #include <QRegularExpression>
 
 #include "comun/acceso_interno.h"
+#include "comun/lectura_de_reporte.h"
 #include "comun/objeto_grabador.h"
 #include "comun/utilerias_de_prueba.h"
 #include "kaloimpresora/impresora.h"
@@ -20,39 +20,12 @@
 using namespace kalo;
 using namespace Qt::StringLiterals;
 using kalo::prueba::ConLocal;
+using kalo::prueba::Consulta;
+using kalo::prueba::Fila;
 using kalo::prueba::NumeroDeError;
 using kalo::prueba::ObjetoGrabador;
 
 namespace {
-
-using Fila = std::vector<QString>;
-
-// Every row of a query, each column as text ("<null>" for NULL).
-std::vector<Fila> Consulta(const QString& archivo, const char* sql) {
-    sqlite3* bd = nullptr;
-    std::vector<Fila> filas;
-    if (sqlite3_open_v2(archivo.toUtf8().constData(), &bd, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK) {
-        sqlite3_close(bd);
-        ADD_FAILURE() << "no abre " << archivo.toStdString();
-        return filas;
-    }
-    sqlite3_stmt* s = nullptr;
-    if (sqlite3_prepare_v2(bd, sql, -1, &s, nullptr) == SQLITE_OK) {
-        while (sqlite3_step(s) == SQLITE_ROW) {
-            Fila f;
-            for (int c = 0; c < sqlite3_column_count(s); ++c) {
-                const auto* t = sqlite3_column_text(s, c);
-                f.push_back(t ? QString::fromUtf8(reinterpret_cast<const char*>(t)) : u"<null>"_s);
-            }
-            filas.push_back(f);
-        }
-    } else {
-        ADD_FAILURE() << sqlite3_errmsg(bd);
-    }
-    sqlite3_finalize(s);
-    sqlite3_close(bd);
-    return filas;
-}
 
 class Registro : public ::testing::Test {
 protected:
