@@ -11,6 +11,8 @@
 #include <netinet/in.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -20,10 +22,13 @@
 #include <cstring>
 #include <gtest/gtest.h>
 
+#include "comun/lectura_de_barras.h"
 #include "comun/utilerias_de_prueba.h"
 #include "cups/herramientas_pdf.h"
+#include "kaloimpresora/impresora.h"
 #include "kaloimpresora/impresoras.h"
 #include "target/impresora_sistema.h"
+#include "target/modulo4.h"
 
 using namespace kalo;
 using namespace Qt::StringLiterals;
@@ -180,6 +185,28 @@ TEST_F(Cups, DocumentoDeTresPaginasEnUnSoloTrabajo) {
     ASSERT_TRUE(datos.legible);
     EXPECT_EQ(datos.paginas, 3);
     for (const QSizeF& t : datos.tamanos) EXPECT_EQ(t, QSizeF(612, 792));
+}
+
+// The whole way a host prints barcodes: Impresora on the queue, the job's
+// PDF rasterised as a scanner would see the paper, read back with zbar.
+TEST_F(Cups, LosCodigosDeBarrasImpresosSeLeen) {
+    modulo4::Estado() = {};
+    Impresora imp;
+    imp.IniciaDocumento();
+    imp.Codigo39(1440, 1440, 15, 900, u"ABC-12"_s, true, 1);
+    imp.BarEAN13(60, u"750100000001"_s, 1, 3, 3, 1.2);
+    imp.Bar128(60, u"Pedido 4512"_s, 1, 5, 4, 1.2);
+    imp.FinDocumento();
+    const QString pdf = EsperaTrabajo(impresora->UltimoTrabajo());
+    ASSERT_FALSE(pdf.isEmpty());
+    auto lecturas = Lee(PaginaComoImagen(pdf, 1, 300));
+    std::sort(lecturas.begin(), lecturas.end());
+    const std::vector<Lectura> esperadas = {
+        {zbar::ZBAR_EAN13, "7501000000012"}, {zbar::ZBAR_CODE39, "ABC-12T"}, {zbar::ZBAR_CODE128, "Pedido 4512"}};
+    auto ordenadas = esperadas;
+    std::sort(ordenadas.begin(), ordenadas.end());
+    EXPECT_EQ(lecturas, ordenadas);
+    modulo4::Estado() = {};
 }
 
 TEST_F(Cups, LasCopiasYLaHojaLleganAlTrabajo) {
