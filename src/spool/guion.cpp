@@ -1,0 +1,258 @@
+// Replay of the report spool file's command language.
+
+#include "spool/guion.h"
+
+#include <sqlite3.h>
+
+#include <QFileInfo>
+#include <array>
+#include <span>
+#include <string_view>
+
+#include "spool/conexion.h"
+
+namespace kalo {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+enum class Clase : char {
+    Numero = 'N',      // Fn("2.5")
+    Texto = 'T',       // quoted, its double quotes replaced by the recorder
+    TextoCrudo = 'C',  // quoted as it came: may hold an unbalanced double quote
+    Verdad = 'B',      // True / False
+    Suelto = 'S',      // a bare number
+};
+
+struct Forma {
+    std::u16string_view palabra;
+    std::string_view clases;
+};
+
+constexpr std::array<Forma, 26> kPermitidos{{
+    {u"IniciaDocumento", ""},   {u"PaginaNueva", ""},       {u"FinDocumento", ""},
+    {u"Say", "NNT"},            {u"EstableceFuente", "CN"}, {u"CurrentX", "N"},
+    {u"CurrentY", "N"},         {u"FontBold", "B"},         {u"FontItalic", "B"},
+    {u"FuenteTransparente", "B"}, {u"ColorDeFuente", "S"},  {u"Linea", "NNNN"},
+    {u"Box", "NNNN"},           {u"FilledBox", "NNNNN"},    {u"PCircle", "NNN"},
+    {u"Picture", "CNNNN"},      {u"Bar128", "NCNNNNB"},     {u"Bar3de9", "NCNNNNBB"},
+    {u"BarEAN13", "NCNNNNB"},   {u"BarEAN8", "NCNNNNB"},    {u"Codigo39", "NNNNTBBTT"},
+    {u"EstableceImpresora", "C"}, {u"Portrait", ""},        {u"LandScape", ""},
+    {u"RestauraPapel", ""},     {u"PaperSize", "NNN"},
+}};
+
+// A plain "."-decimal number, never the locale's form: scripts travel between locales.
+std::optional<double> NumeroDecimal(QStringView t) {
+    qsizetype i = 0;
+    if (i < t.size() && (t[i] == u'-' || t[i] == u'+')) ++i;
+    qsizetype digitos = 0;
+    bool punto = false;
+    for (; i < t.size(); ++i) {
+        if (t[i].isDigit() && t[i].unicode() < 128)
+            ++digitos;
+        else if (t[i] == u'.' && !punto)
+            punto = true;
+        else
+            return std::nullopt;
+    }
+    if (digitos == 0) return std::nullopt;
+    bool ok = false;
+    const double v = t.toString().toDouble(&ok);
+    return ok ? std::optional<double>(v) : std::nullopt;
+}
+
+class Analizador {
+public:
+    Analizador(QStringView resto, std::string_view clases) : resto_(resto), clases_(clases) {}
+
+    // Parses the arguments from `desde` for clases_[k..], to the end of the line.
+    bool Lee(qsizetype desde, size_t k, std::vector<Variant>& salida) {
+        if (k == clases_.size()) {
+            if (desde == resto_.size()) return true;
+            return Falla(u"sobra texto tras el último argumento"_s);
+        }
+        if (k > 0) {
+            if (desde >= resto_.size() || resto_[desde] != u',')
+                return Falla(u"se esperaba \",\" antes del argumento %1"_s.arg(k + 1));
+            ++desde;
+        }
+        const Clase clase = static_cast<Clase>(clases_[k]);
+        if (clase == Clase::TextoCrudo) return LeeTextoCrudo(desde, k, salida);
+        qsizetype fin = 0;
+        Variant valor;
+        if (!LeeSimple(clase, desde, k, fin, valor)) return false;
+        salida.push_back(std::move(valor));
+        if (Lee(fin, k + 1, salida)) return true;
+        salida.pop_back();
+        return false;
+    }
+
+    QString error;
+
+private:
+    bool Falla(QString que) {
+        if (error.isEmpty()) error = std::move(que);
+        return false;
+    }
+
+    bool LeeSimple(Clase clase, qsizetype i, size_t k, qsizetype& fin, Variant& valor) {
+        const QString n = QString::number(k + 1);
+        const QStringView r = resto_.mid(i);
+        switch (clase) {
+        case Clase::Numero: {
+            if (!r.startsWith(u"Fn(\""))
+                return Falla(u"el argumento %1 debe ser un número Fn(\"…\")"_s.arg(n));
+            const qsizetype cierre = r.indexOf(u"\")", 4);
+            if (cierre < 0) return Falla(u"Fn sin terminar en el argumento %1"_s.arg(n));
+            const auto v = NumeroDecimal(r.mid(4, cierre - 4));
+            if (!v) return Falla(u"el argumento %1 no es un número: %2"_s.arg(n, r.mid(4, cierre - 4)));
+            valor = Variant(*v);
+            fin = i + cierre + 2;
+            return true;
+        }
+        case Clase::Texto: {
+            if (!r.startsWith(u'"')) return Falla(u"el argumento %1 debe ser un texto entre comillas"_s.arg(n));
+            const qsizetype cierre = r.indexOf(u'"', 1);
+            if (cierre < 0) return Falla(u"texto sin cerrar en el argumento %1"_s.arg(n));
+            valor = Variant(r.mid(1, cierre - 1).toString());
+            fin = i + cierre + 1;
+            return true;
+        }
+        case Clase::Verdad: {
+            if (r.startsWith(u"True")) {
+                valor = Variant(true);
+                fin = i + 4;
+            } else if (r.startsWith(u"False")) {
+                valor = Variant(false);
+                fin = i + 5;
+            } else {
+                return Falla(u"el argumento %1 debe ser True o False"_s.arg(n));
+            }
+            return true;
+        }
+        case Clase::Suelto: {
+            qsizetype largo = r.indexOf(u',');
+            if (largo < 0) largo = r.size();
+            const auto v = NumeroDecimal(r.left(largo));
+            if (!v) return Falla(u"el argumento %1 no es un número: %2"_s.arg(n, r.left(largo)));
+            // Whole values come back whole, as the host passed them.
+            if (*v == static_cast<double>(static_cast<int32_t>(*v)) && *v >= INT32_MIN && *v <= INT32_MAX)
+                valor = Variant(static_cast<int32_t>(*v));
+            else
+                valor = Variant(*v);
+            fin = i + largo;
+            return true;
+        }
+        case Clase::TextoCrudo: break;
+        }
+        return false;
+    }
+
+    // The recorder left double quotes inside this text as they came, so the
+    // closing quote is the one after which the remaining arguments parse.
+    bool LeeTextoCrudo(qsizetype i, size_t k, std::vector<Variant>& salida) {
+        if (i >= resto_.size() || resto_[i] != u'"')
+            return Falla(u"el argumento %1 debe ser un texto entre comillas"_s.arg(k + 1));
+        const bool ultimo = k + 1 == clases_.size();
+        for (qsizetype c = resto_.indexOf(u'"', i + 1); c >= 0; c = resto_.indexOf(u'"', c + 1)) {
+            const bool candidato = ultimo ? c + 1 == resto_.size() : c + 1 < resto_.size() && resto_[c + 1] == u',';
+            if (!candidato) continue;
+            salida.push_back(Variant(resto_.mid(i + 1, c - i - 1).toString()));
+            if (Lee(c + 1, k + 1, salida)) return true;
+            salida.pop_back();
+        }
+        return Falla(u"texto sin cerrar en el argumento %1"_s.arg(k + 1));
+    }
+
+    QStringView resto_;
+    std::string_view clases_;
+};
+
+}  // namespace
+
+std::optional<Comando> LeeComando(QStringView linea, QString* error) {
+    auto falla = [&](const QString& que) -> std::optional<Comando> {
+        if (error) *error = que;
+        return std::nullopt;
+    };
+    if (linea.endsWith(u"\r\n"))
+        linea.chop(2);
+    else if (linea.endsWith(u'\n') || linea.endsWith(u'\r'))
+        linea.chop(1);
+    if (linea.trimmed().isEmpty()) return falla(u"Línea vacía"_s);
+
+    const qsizetype espacio = linea.indexOf(u' ');
+    const QStringView palabra = espacio < 0 ? linea : linea.left(espacio);
+    const Forma* forma = nullptr;
+    for (const Forma& f : kPermitidos)
+        if (palabra.compare(QStringView(f.palabra.data(), f.palabra.size()), Qt::CaseInsensitive) == 0) forma = &f;
+    if (!forma) return falla(u"Comando no permitido en un guion: "_s + palabra.left(80).toString());
+
+    Comando c;
+    c.palabra = QString::fromUtf16(forma->palabra.data(), forma->palabra.size());
+    if (forma->clases.empty()) {
+        if (espacio >= 0) return falla(u"%1 no lleva argumentos"_s.arg(c.palabra));
+        return c;
+    }
+    if (espacio < 0)
+        return falla(u"%1 lleva %2 argumentos y no tiene ninguno"_s.arg(c.palabra).arg(forma->clases.size()));
+    Analizador analizador(linea.mid(espacio + 1), forma->clases);
+    if (!analizador.Lee(0, 0, c.argumentos)) return falla(c.palabra + u": "_s + analizador.error);
+    return c;
+}
+
+void EjecutaComando(Objeto& impresora, Comando& c) {
+    impresora.InvocaPorNombre(c.palabra, Llamada::Metodo, c.argumentos);
+}
+
+LectorDeReporte::LectorDeReporte(const QString& archivo) : archivo_(archivo) {
+    // Read-only open never creates the file, so a wrong name is reported, not made.
+    if (!QFileInfo(archivo).isFile())
+        throw ErrorDeAutomatizacion(err::kArchivoNoEncontrado,
+                                    u"No se encuentra el archivo de reporte: "_s + archivo, u"LectorDeReporte"_s);
+    if (sqlite3_open_v2(archivo.toUtf8().constData(), &bd_, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK)
+        Falla(u"no se puede abrir"_s);
+    // ORDER BY row, not pagina: a file holding several documents restarts pagina at 1.
+    const int rc = sqlite3_prepare_v2(bd_, "SELECT pagina, row, source FROM source ORDER BY row", -1, &consulta_,
+                                      nullptr);
+    if (rc == SQLITE_NOTADB) Falla(u"no es un archivo de reporte"_s);
+    if (rc != SQLITE_OK) Falla(u"no es un archivo de reporte (le falta la tabla source)"_s);
+}
+
+LectorDeReporte::~LectorDeReporte() {
+    sqlite3_finalize(consulta_);
+    sqlite3_close(bd_);
+}
+
+void LectorDeReporte::Falla(const QString& que) const {
+    const QString detalle = bd_ ? QString::fromUtf8(sqlite3_errmsg(bd_)) : QString();
+    QString mensaje = u"El archivo "_s + archivo_ + u' ' + que;
+    if (!detalle.isEmpty()) mensaje += u" ("_s + detalle + u')';
+    // The constructor may fail half-way; the destructor will not run then.
+    sqlite3_finalize(consulta_);
+    sqlite3_close(bd_);
+    const_cast<LectorDeReporte*>(this)->consulta_ = nullptr;
+    const_cast<LectorDeReporte*>(this)->bd_ = nullptr;
+    throw ErrorDeAutomatizacion(kErrorDeBaseDeDatos, mensaje, u"LectorDeReporte"_s);
+}
+
+bool LectorDeReporte::Siguiente(Renglon& renglon) {
+    if (terminado_ || !consulta_) return false;
+    const int rc = sqlite3_step(consulta_);
+    if (rc == SQLITE_DONE) {
+        terminado_ = true;
+        return false;
+    }
+    if (rc != SQLITE_ROW) {
+        terminado_ = true;
+        Falla(u"está dañado"_s);
+    }
+    renglon.pagina = sqlite3_column_int64(consulta_, 0);
+    renglon.row = sqlite3_column_int64(consulta_, 1);
+    const auto* texto = reinterpret_cast<const char*>(sqlite3_column_text(consulta_, 2));
+    renglon.source = texto ? QString::fromUtf8(texto, sqlite3_column_bytes(consulta_, 2)) : QString();
+    return true;
+}
+
+}  // namespace kalo

@@ -1,0 +1,241 @@
+// Replay: recorded command texts read back from the spool file, parsed and
+// run again on a fresh object.
+
+#include <sqlite3.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include "comun/impresora_con_grabadores.h"
+#include "comun/utilerias_de_prueba.h"
+#include "spool/conexion.h"
+#include "spool/guion.h"
+
+using namespace kalo;
+using namespace Qt::StringLiterals;
+using kalo::prueba::ConLocal;
+
+namespace {
+
+using Guion = prueba::ConImpresoraYVistaGrabadoras<>;
+
+std::vector<LectorDeReporte::Renglon> TodosLosRenglones(const QString& archivo) {
+    std::vector<LectorDeReporte::Renglon> r;
+    LectorDeReporte lector(archivo);
+    LectorDeReporte::Renglon renglon;
+    while (lector.Siguiente(renglon)) r.push_back(renglon);
+    return r;
+}
+
+QString Describe(const std::vector<Variant>& v) {
+    QStringList partes;
+    for (const auto& a : v) partes << QString::number(static_cast<int>(a.tipo())) + u':' + CStr(a);
+    return partes.join(u" | "_s);
+}
+
+TEST_F(Guion, CadaRenglonGrabadoSeLeeConLosValoresQueSePasaron) {
+    // A comma locale must not change how Fn numbers are read back.
+    ConLocal local("es_MX");
+    imp.IniciaDocumento();
+    imp.EstableceFuente(u"Courier New"_s, 10.5);
+    imp.FontBold(1);
+    imp.FontITalic(-1);
+    imp.FuenteTransparente(true);
+    imp.ColorDeFuente(255);
+    imp.CurrentX(0.25);
+    imp.CurrentY(-3);
+    imp.Say(1, 2.125, u"a\"b"_s);
+    imp.PaginaNueva();
+    imp.Linea(0.5, 1, 7.5, 1);
+    imp.FilledBox(1, 2, 3, 4, 16711680);
+    imp.PCircle(4, 5, 0.75);
+    imp.Codigo39(100, 200, 15, 500, u"AB-1"_s, true, false, u"d\"1"_s, u"d2"_s);
+    imp.Bar128(40, u"AB\"1"_s, 1, 2, 3, 0.5, true);
+    imp.Bar3de9(60, u"A\",Fn(\"9\")"_s, 0, 0, 2, 1, true, false);
+    imp.FinDocumento();
+
+    const double d = 0;  // type tag for Fn numbers
+    struct Esperado {
+        const char16_t* palabra;
+        int pagina;
+        std::vector<Variant> argumentos;
+    } esperados[] = {
+        {u"IniciaDocumento", 1, {}},
+        {u"EstableceFuente", 1, {u"Courier New"_s, 10.5}},
+        {u"FontBold", 1, {false}},  // 1 is not the runtime's True
+        {u"FontItalic", 1, {true}},
+        {u"FuenteTransparente", 1, {false}},
+        {u"ColorDeFuente", 1, {int32_t{255}}},
+        {u"CurrentX", 1, {0.25}},
+        {u"CurrentY", 1, {d - 3}},
+        {u"Say", 1, {d + 1, 2.125, u"a''b"_s}},
+        {u"PaginaNueva", 2, {}},
+        {u"Linea", 2, {0.5, d + 1, 7.5, d + 1}},
+        {u"FilledBox", 2, {d + 1, d + 2, d + 3, d + 4, d + 16711680}},
+        {u"PCircle", 2, {d + 4, d + 5, 0.75}},
+        {u"Codigo39", 2, {d + 100, d + 200, d + 15, d + 500, u"AB-1"_s, true, false, u"d''1"_s, u"d2"_s}},
+        {u"Bar128", 2, {d + 40, u"AB\"1"_s, d + 1, d + 2, d + 3, 0.5, true}},
+        {u"Bar3de9", 2, {d + 60, u"A\",Fn(\"9\")"_s, d + 0, d + 0, d + 2, d + 1, true, false}},
+        {u"FinDocumento", 2, {}},
+    };
+    const auto renglones = TodosLosRenglones(imp.DB);
+    ASSERT_EQ(renglones.size(), std::size(esperados));
+    for (size_t i = 0; i < renglones.size(); ++i) {
+        SCOPED_TRACE(renglones[i].source.toStdString());
+        EXPECT_EQ(renglones[i].row, static_cast<int64_t>(i + 1));
+        EXPECT_EQ(renglones[i].pagina, esperados[i].pagina);
+        QString error;
+        const auto c = LeeComando(renglones[i].source, &error);
+        ASSERT_TRUE(c) << error.toStdString();
+        EXPECT_EQ(c->palabra, QString::fromUtf16(esperados[i].palabra));
+        bool iguales = c->argumentos.size() == esperados[i].argumentos.size();
+        for (size_t j = 0; iguales && j < c->argumentos.size(); ++j)
+            iguales = c->argumentos[j].identico(esperados[i].argumentos[j]);
+        EXPECT_TRUE(iguales) << Describe(c->argumentos).toStdString() << "\n esperados "
+                             << Describe(esperados[i].argumentos).toStdString();
+    }
+}
+
+TEST(GuionLeeComando, TextosMalFormadosORehusadosDanUnMensaje) {
+    struct Caso {
+        const char16_t* linea;
+        const char16_t* mensaje;
+    } casos[] = {
+        {u"", u"vacía"},
+        {u"\r\n", u"vacía"},
+        {u"BorraArchivo", u"Comando no permitido en un guion: BorraArchivo"},
+        {u"AbrirCajonDeDinero Fn(\"1\")", u"Comando no permitido en un guion: AbrirCajonDeDinero"},
+        {u"CreaBaseDeDatos", u"Comando no permitido en un guion: CreaBaseDeDatos"},
+        {u"ImprimeDialogo", u"Comando no permitido en un guion: ImprimeDialogo"},
+        {u"Say", u"no tiene ninguno"},
+        {u"FinDocumento Fn(\"1\")", u"no lleva argumentos"},
+        {u"CurrentX Fn(\"1", u"Fn sin terminar"},
+        {u"CurrentX Fn(\"1,5\")", u"no es un número"},
+        {u"CurrentX Fn(\"\")", u"no es un número"},
+        {u"CurrentX Fn(\"1e5\")", u"no es un número"},
+        {u"CurrentX 1", u"debe ser un número Fn"},
+        {u"CurrentX Fn(\"1\"),Fn(\"2\")", u"sobra texto"},
+        {u"Say Fn(\"1\"),Fn(\"2\")", u"se esperaba \",\""},
+        {u"Say Fn(\"1\"),Fn(\"2\"),\"abc", u"texto sin cerrar"},
+        {u"Say Fn(\"1\"),Fn(\"2\"),abc", u"entre comillas"},
+        {u"Say Fn(\"1\"),Fn(\"2\"),\"a\"b\"", u"sobra texto"},
+        {u"FontBold Verdadero", u"True o False"},
+        {u"ColorDeFuente rojo", u"no es un número"},
+        {u"Bar128 Fn(\"40\"),\"AB\"1\",Fn(\"1\"),Fn(\"2\"),Fn(\"3\"),Fn(\"0.5\")", u"antes del argumento 7"},
+        {u"EstableceImpresora \"HP", u"texto sin cerrar"},
+    };
+    for (const auto& c : casos) {
+        const QString linea = QString::fromUtf16(c.linea);
+        SCOPED_TRACE(linea.toStdString());
+        QString error;
+        EXPECT_FALSE(LeeComando(linea, &error));
+        EXPECT_TRUE(error.contains(QString::fromUtf16(c.mensaje))) << error.toStdString();
+    }
+}
+
+TEST(GuionLeeComando, TextosEscritosAManoTambienSeLeen) {
+    struct Caso {
+        const char16_t* linea;
+        const char16_t* palabra;
+        std::vector<Variant> argumentos;
+    } casos[] = {
+        {u"fontitalic False\n", u"FontItalic", {false}},
+        {u"EstableceImpresora \"La \"rápida\"\"", u"EstableceImpresora", {u"La \"rápida\""_s}},
+        {u"EstableceImpresora \"\"", u"EstableceImpresora", {QString()}},
+        {u"PaperSize Fn(\"256\"),Fn(\"-.5\"),Fn(\"11.\")", u"PaperSize", {256.0, -0.5, 11.0}},
+        {u"ColorDeFuente 0.5", u"ColorDeFuente", {0.5}},
+        {u"Picture \"c:\\a,b\".bmp\",Fn(\"1\"),Fn(\"2\"),Fn(\"3\"),Fn(\"4\")",
+         u"Picture",
+         {u"c:\\a,b\".bmp"_s, 1.0, 2.0, 3.0, 4.0}},
+    };
+    for (const auto& c : casos) {
+        SCOPED_TRACE(QString::fromUtf16(c.linea).toStdString());
+        QString error;
+        const auto leido = LeeComando(QString::fromUtf16(c.linea), &error);
+        ASSERT_TRUE(leido) << error.toStdString();
+        EXPECT_EQ(leido->palabra, QString::fromUtf16(c.palabra));
+        ASSERT_EQ(leido->argumentos.size(), c.argumentos.size());
+        for (size_t j = 0; j < c.argumentos.size(); ++j)
+            EXPECT_TRUE(leido->argumentos[j].identico(c.argumentos[j])) << j << ": " << CStr(leido->argumentos[j]).toStdString();
+    }
+}
+
+TEST_F(Guion, ReproducirDaLasMismasLlamadasALaVista) {
+    imp.IniciaDocumento();
+    imp.EstableceFuente(u"Arial"_s, 12);
+    imp.FontBold(true);
+    imp.ColorDeFuente(255);
+    imp.Say(1, 2, u"Total: 1,234.50"_s);
+    imp.CurrentX(3.5);
+    imp.CurrentY(4.25);
+    imp.Linea(0.5, 1, 7.5, 1);
+    imp.Box(1, 2, 3, 4);
+    imp.PaginaNueva();
+    imp.FilledBox(1, 2, 3, 4, 65280);
+    imp.PCircle(4, 5, 0.75);
+    imp.Say(6, 1, u"fin"_s);
+    imp.FinDocumento();
+    const QStringList original = vista->Registro();
+    ASSERT_GT(original.size(), 14);  // an empty log would compare equal vacuously
+
+    auto otraVista = std::make_shared<prueba::ObjetoGrabador>();
+    otraVista->Pon(u"ScaleWidth"_s, 8.5);
+    otraVista->Pon(u"ScaleHeight"_s, 11.0);
+    Impresora otra;
+    otra.Imagen2 = otraVista;
+    otra.Pantalla = true;
+    LectorDeReporte lector(imp.DB);
+    LectorDeReporte::Renglon renglon;
+    int ejecutados = 0;
+    while (lector.Siguiente(renglon)) {
+        auto c = LeeComando(renglon.source);
+        ASSERT_TRUE(c) << renglon.source.toStdString();
+        EjecutaComando(otra, *c);
+        ++ejecutados;
+    }
+    EXPECT_EQ(ejecutados, 14);
+    EXPECT_EQ(otraVista->Registro(), original);
+    EXPECT_EQ(otra.nLinea, imp.nLinea);
+}
+
+TEST(GuionLector, ArchivosQueNoSonReportesSeNombranEnElError) {
+    QTemporaryDir dir;
+    const QString basura = dir.filePath(u"basura.rep"_s);
+    {
+        QFile f(basura);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(QByteArray(4096, 'x'));
+    }
+    const QString sinTabla = dir.filePath(u"sin_tabla.rep"_s);
+    {
+        // A valid database holding only the header table.
+        sqlite3* bd = nullptr;
+        ASSERT_EQ(sqlite3_open(sinTabla.toUtf8().constData(), &bd), SQLITE_OK);
+        sqlite3_exec(bd, "CREATE TABLE header( paginas INTEGER )", nullptr, nullptr, nullptr);
+        sqlite3_close(bd);
+    }
+    struct Caso {
+        QString archivo;
+        int32_t numero;
+        const char16_t* mensaje;
+    } casos[] = {
+        {dir.filePath(u"no_existe.rep"_s), err::kArchivoNoEncontrado, u"No se encuentra"},
+        {basura, kErrorDeBaseDeDatos, u"no es un archivo de reporte"},
+        {sinTabla, kErrorDeBaseDeDatos, u"le falta la tabla source"},
+    };
+    for (const auto& c : casos) {
+        SCOPED_TRACE(c.archivo.toStdString());
+        try {
+            LectorDeReporte lector(c.archivo);
+            ADD_FAILURE() << "abrió";
+        } catch (const ErrorDeAutomatizacion& e) {
+            EXPECT_EQ(e.numero(), c.numero);
+            EXPECT_TRUE(e.descripcion().contains(QString::fromUtf16(c.mensaje))) << e.descripcion().toStdString();
+            EXPECT_TRUE(e.descripcion().contains(c.archivo));
+        }
+    }
+    EXPECT_FALSE(QFile::exists(dir.filePath(u"no_existe.rep"_s)));
+}
+
+}  // namespace
