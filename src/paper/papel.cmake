@@ -1,0 +1,1 @@
+# Paper size, orientation and the forms of the print system.

@@ -1,0 +1,1 @@
+# Replay of spool files and scripts.

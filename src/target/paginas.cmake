@@ -1,0 +1,1 @@
+# A printer whose pages are images.

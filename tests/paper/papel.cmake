@@ -1,0 +1,1 @@
+# Tests of paper size, orientation and forms.

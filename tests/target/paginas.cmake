@@ -1,0 +1,1 @@
+# Tests of the image-page printer and of suppressed output.
