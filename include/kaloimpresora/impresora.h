@@ -116,6 +116,23 @@ public:
     void BarEAN8(int16_t altoDeBarra, const QString& barData, const Variant& pLeft, const Variant& pTop,
                  const Variant& pWidth, const Variant& pHeight, bool incluyeHR = true);
 
+    // Paper and orientation of the current printer. Portrait and LandScape
+    // leave the printer alone while the output goes to the preview; LandScape
+    // also turns the page and sets the grid to 40 x 130, which Portrait keeps.
+    void Portrait();
+    void LandScape();
+    // A platform paper code, or 256 with nW x nH inches. The page size is left
+    // in FormaAncho and FormaAlto, and the printer's form named after
+    // strestilo takes it in whole inches. Only the recording can fail.
+    void PaperSize(int16_t nTipo, double nW = 0, double nH = 0,
+                   const QString& strestilo = QStringLiteral("Tiendanova"));
+    // Puts back the sheet that the printer had before the latest PaperSize.
+    void RestauraPapel();
+    // Applies the form of EstiloImpresion to the current printer's sheet.
+    void EstableceEstiloImpresoraNT();
+    // Always Nothing.
+    std::shared_ptr<Objeto> CreaForma();
+
     // Text helpers.
     // strChr as text nVeces times (rounded, halves to even); Null adds nothing.
     QString Replicate(const Variant& strChr, const Variant& nVeces);

@@ -168,14 +168,16 @@ std::vector<M> Miembros() {
     metodo(u"RandomColor", 0x6003002b, T::Largo, {},
            [](Impresora& o, Ranuras) { return Variant(o.RandomColor()); });
     metodo(u"Eventos", 0x6003002c, T::Ninguno, {}, Accion(&Impresora::Eventos));
-    metodo(u"CreaForma", 0x6003002d, T::Objeto, {});
-    metodo(u"Portrait", 0x6003002e, T::Ninguno, {});
-    metodo(u"LandScape", 0x6003002f, T::Ninguno, {});
+    metodo(u"CreaForma", 0x6003002d, T::Objeto, {},
+           [](Impresora& o, Ranuras) { return Variant(o.CreaForma()); });
+    metodo(u"Portrait", 0x6003002e, T::Ninguno, {}, Accion(&Impresora::Portrait));
+    metodo(u"LandScape", 0x6003002f, T::Ninguno, {}, Accion(&Impresora::LandScape));
     metodo(u"PaperSize", 0x60030030, T::Ninguno,
            {PorRef(u"nTipo"_s, T::Entero), Opcional(PorRef(u"nW"_s, T::Doble), Variant(0.0)),
             Opcional(PorRef(u"nH"_s, T::Doble), Variant(0.0)),
-            Opcional(PorRef(u"strestilo"_s, T::Texto), Variant(u"Tiendanova"_s))});
-    metodo(u"RestauraPapel", 0x60030031, T::Ninguno, {});
+            Opcional(PorRef(u"strestilo"_s, T::Texto), Variant(u"Tiendanova"_s))},
+           [](Impresora& o, Ranuras a) { o.PaperSize(a[0].entero(), a[1].doble(), a[2].doble(), a[3].texto()); return Variant(); });
+    metodo(u"RestauraPapel", 0x60030031, T::Ninguno, {}, Accion(&Impresora::RestauraPapel));
     metodo(u"strLinea", 0x60030032, T::Texto, {PorRef(u"cString"_s), PorRef(u"nLinea"_s)},
            [](Impresora& o, Ranuras a) { return Variant(o.strLinea(a[0], a[1])); });
     metodo(u"CuantasLineas", 0x60030033, T::Largo, {PorRef(u"cString"_s)},
@@ -242,7 +244,8 @@ std::vector<M> Miembros() {
             QString estilo = v.texto();
             o.EstiloImpresion(estilo);
         }));
-    metodo(u"EstableceEstiloImpresoraNT", 0x6003003f, T::Ninguno, {});
+    metodo(u"EstableceEstiloImpresoraNT", 0x6003003f, T::Ninguno, {},
+           Accion(&Impresora::EstableceEstiloImpresoraNT));
     return m;
 }
 

@@ -162,12 +162,12 @@ TEST(Despacho, ArgumentosFaltantesYSobrantes) {
 TEST(Despacho, MiembroAunNoDisponibleFallaConClaridad) {
     Impresora imp;
     try {
-        imp.Llama(u"RestauraPapel"_s);
+        imp.Llama(u"AbrirCajonDeDinero"_s);
         FAIL() << "se esperaba un error";
     } catch (const ErrorDeAutomatizacion& e) {
         EXPECT_EQ(e.numero(), 445);
-        EXPECT_TRUE(e.descripcion().contains(u"RestauraPapel"_s)) << e.descripcion().toStdString();
-        EXPECT_EQ(e.origen(), u"Impresora.RestauraPapel"_s);
+        EXPECT_TRUE(e.descripcion().contains(u"AbrirCajonDeDinero"_s)) << e.descripcion().toStdString();
+        EXPECT_EQ(e.origen(), u"Impresora.AbrirCajonDeDinero"_s);
     }
 }
 

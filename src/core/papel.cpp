@@ -1,0 +1,113 @@
+// Paper size, orientation and the printer's form: recorded first, then
+// carried out on the current printer. Failures after recording are swallowed.
+
+#include "kaloimpresora/impresora.h"
+#include "kaloimpresora/impresoras.h"
+#include "paper/impresion_nt.h"
+#include "paper/plataforma.h"
+
+namespace kalo {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int16_t kPulgadas = 5;
+constexpr int16_t kVertical = 1;
+constexpr int16_t kApaisada = 2;
+
+template <class F>
+void Ignora(F&& paso) {
+    try {
+        paso();
+    } catch (...) {
+    }
+}
+
+}  // namespace
+
+void Impresora::Portrait() {
+    Ignora([&] { RegistraComando(u"Portrait"_s); });
+    if (!Pantalla) impresion_nt::EstableceOrientacion(kVertical);
+    // The page size and the grid stay as LandScape left them.
+    PaperOrientation = kVertical;
+    Horizontal = false;
+}
+
+void Impresora::LandScape() {
+    if (FormaAncho() < FormaAlto()) {
+        const double ancho = FormaAncho();
+        FormaAncho(FormaAlto());
+        FormaAlto(ancho);
+    }
+    nRow = 40;
+    nCol = 130;
+    Ignora([&] { RegistraComando(u"LandScape"_s); });
+    if (!Pantalla) impresion_nt::EstableceOrientacion(kApaisada);
+    PaperOrientation = kApaisada;
+    Horizontal = true;
+}
+
+void Impresora::PaperSize(int16_t nTipo, double nW, double nH, const QString& strestilo) {
+    RegistraComando(u"PaperSize "_s + TextoFn(Variant(nTipo)) + u',' + TextoFn(Variant(nW)) + u',' +
+                    TextoFn(Variant(nH)));
+    try {
+        const auto impresora = ImpresoraActual();
+        PapelTipo = CLng(impresora->Lee(u"PaperSize"_s));
+        PapelAncho = CLng(impresora->Lee(u"Width"_s));
+        PapelLargo = CLng(impresora->Lee(u"Height"_s));
+        impresora->Lee(u"ScaleMode"_s);
+        impresora->Asigna(u"ScaleMode"_s, kPulgadas);
+        // Deliberately shifted: nW rounded goes as the owner window, nH as the
+        // width and 0 as the height, always with the default style. The form
+        // step below is what leaves the intended sheet.
+        impresion_nt::AjustaPapel(nTipo, CLng(Variant(nW)), nH, 0, u"Tiendanova"_s);
+        const bool apaisada = impresora->Lee(u"Orientation"_s) == Variant(kApaisada);
+        if (impresora->Lee(u"PaperSize"_s) == Variant(impresion_nt::kPapelDeUsuario)) {
+            FormaAlto(apaisada ? nW : nH);
+            FormaAncho(apaisada ? nH : nW);
+        } else {
+            FormaAlto(CDbl(impresora->Lee(u"ScaleHeight"_s)));
+            FormaAncho(CDbl(impresora->Lee(u"ScaleWidth"_s)));
+        }
+        QString estilo = strestilo;
+        EstiloImpresion(estilo);
+        // Whole inches: 8.27 becomes 8.
+        if (ObtenPlataforma() >= kPlataformaConFormas)
+            impresion_nt::AplicaFormaNT(ControlhWndImpresora(), CLng(Variant(FormaAlto())),
+                                        CLng(Variant(FormaAncho())), strestilo);
+    } catch (...) {
+        FormaAlto(nH);
+        FormaAncho(nW);
+    }
+}
+
+void Impresora::RestauraPapel() {
+    RegistraComando(u"RestauraPapel"_s);
+    if (PapelTipo == impresion_nt::kPapelDeUsuario) {
+        Ignora([&] { ImpresoraActual()->Asigna(u"Width"_s, CLng(Variant(PapelAncho))); });
+        Ignora([&] { ImpresoraActual()->Asigna(u"Height"_s, CLng(Variant(PapelLargo))); });
+    } else {
+        // Before any PaperSize this is code 0, which the printer refuses.
+        Ignora([&] { ImpresoraActual()->Asigna(u"PaperSize"_s, PapelTipo); });
+    }
+    if (ObtenPlataforma() == kPlataformaConFormas) {
+        Ignora([&] {
+            const auto impresora = ImpresoraActual();
+            const int32_t alto = CLng(impresora->Lee(u"Height"_s));
+            const int32_t ancho = CLng(impresora->Lee(u"Width"_s));
+            impresion_nt::AplicaFormaNT(ControlhWndImpresora(), alto, ancho, QString());
+        });
+    }
+}
+
+void Impresora::EstableceEstiloImpresoraNT() {
+    const auto impresora = ImpresoraActual();
+    const int32_t alto = CLng(impresora->Lee(u"Height"_s));
+    const int32_t ancho = CLng(impresora->Lee(u"Width"_s));
+    impresion_nt::AplicaFormaNT(ControlhWndImpresora(), alto, ancho, EstiloImpresion());
+}
+
+std::shared_ptr<Objeto> Impresora::CreaForma() { return nullptr; }
+
+}  // namespace kalo
