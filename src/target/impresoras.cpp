@@ -82,7 +82,7 @@ void TerminaAlSalir() {
         std::lock_guard bloqueo(Cerrojo());
         actual = Actual();
     }
-    if (auto* impresora = dynamic_cast<ImpresoraDelSistema*>(actual.get())) {
+    if (auto* impresora = dynamic_cast<ImpresoraComun*>(actual.get())) {
         try {
             impresora->EndDoc();
         } catch (...) {

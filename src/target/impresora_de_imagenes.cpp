@@ -1,0 +1,77 @@
+#include "target/impresora_de_imagenes.h"
+
+#include <cmath>
+#include <utility>
+
+#include "target/aplicacion.h"
+
+namespace kalo {
+
+using namespace Qt::StringLiterals;
+
+ImpresoraDeImagenes::ImpresoraDeImagenes(int puntosPorPulgada, EntregaDePagina entrega)
+    : ImpresoraComun(u"Imágenes (KaloImpresora)"_s),
+      ppp_(puntosPorPulgada),
+      entrega_(std::move(entrega)),
+      hoja_(QPageSize(QPageSize::Letter), QPageLayout::Portrait, QMarginsF()) {
+    PreparaLienzo();
+}
+
+std::shared_ptr<ImpresoraDeImagenes> ImpresoraDeImagenes::Crea(int puntosPorPulgada, EntregaDePagina entrega) {
+    if (puntosPorPulgada < 1 || puntosPorPulgada > 2400) Lanza(err::kLlamadaNoValida);
+    AseguraAplicacion();
+    return std::shared_ptr<ImpresoraDeImagenes>(new ImpresoraDeImagenes(puntosPorPulgada, std::move(entrega)));
+}
+
+ImpresoraDeImagenes::~ImpresoraDeImagenes() { TerminaAlDestruir(); }
+
+void ImpresoraDeImagenes::CambiaHoja(const QPageSize& hoja, QPageLayout::Orientation orientacion) {
+    hoja_.setPageSize(hoja);
+    hoja_.setOrientation(orientacion);
+}
+
+// The whole sheet as it lies, from its size in twips so that a sheet
+// defined in millimetres is not first rounded to whole points.
+QSize ImpresoraDeImagenes::AreaDibujable() const {
+    return {static_cast<int>(std::lround(Width() * ppp_ / 1440.0)),
+            static_cast<int>(std::lround(Height() * ppp_ / 1440.0))};
+}
+
+void ImpresoraDeImagenes::ComienzaPagina() {
+    QImage pagina(AreaDibujable(), QImage::Format_RGB32);
+    if (pagina.isNull()) Lanza(err::kErrorDeImpresora);  // more than memory allows
+    // The image's own resolution is the one QPainter sizes fonts with.
+    const int puntosPorMetro = static_cast<int>(std::lround(ppp_ / 0.0254));
+    pagina.setDotsPerMeterX(puntosPorMetro);
+    pagina.setDotsPerMeterY(puntosPorMetro);
+    pagina.fill(Qt::white);
+    enCurso_ = std::move(pagina);
+    if (!pintor().begin(&enCurso_)) Lanza(err::kErrorDeImpresora);
+}
+
+QImage ImpresoraDeImagenes::TerminaPagina() {
+    if (pintor().isActive()) pintor().end();
+    return std::exchange(enCurso_, QImage());
+}
+
+void ImpresoraDeImagenes::IniciaTrabajo() { ComienzaPagina(); }
+
+// The finished page goes out before the next one is made, so no more than
+// one lives here at a time; the next is made even if the receiver fails.
+void ImpresoraDeImagenes::PasaPagina() {
+    const QImage hecha = TerminaPagina();
+    try {
+        if (entrega_) entrega_(hecha, Page());
+    } catch (...) {
+        ComienzaPagina();
+        throw;
+    }
+    ComienzaPagina();
+}
+
+void ImpresoraDeImagenes::CierraTrabajo(bool entrega, int32_t paginas) {
+    const QImage hecha = TerminaPagina();
+    if (entrega && entrega_) entrega_(hecha, paginas);
+}
+
+}  // namespace kalo
