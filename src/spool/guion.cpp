@@ -6,6 +6,7 @@
 
 #include <QFileInfo>
 #include <array>
+#include <charconv>
 #include <span>
 #include <string_view>
 
@@ -56,10 +57,15 @@ std::optional<double> NumeroDecimal(QStringView t) {
         else
             return std::nullopt;
     }
-    if (digitos == 0) return std::nullopt;
-    bool ok = false;
-    const double v = t.toString().toDouble(&ok);
-    return ok ? std::optional<double>(v) : std::nullopt;
+    if (digitos == 0 || t.size() > 64) return std::nullopt;
+    // Checked ASCII above, so the digits convert one to one.
+    std::array<char, 64> ascii;
+    for (qsizetype k = 0; k < t.size(); ++k) ascii[k] = static_cast<char>(t[k].unicode());
+    const char* inicio = ascii.data() + (ascii[0] == '+' ? 1 : 0);
+    double v = 0;
+    const auto [fin, ec] = std::from_chars(inicio, ascii.data() + t.size(), v);
+    if (ec != std::errc() || fin != ascii.data() + t.size()) return std::nullopt;
+    return v;
 }
 
 class Analizador {
@@ -137,7 +143,7 @@ private:
             const auto v = NumeroDecimal(r.left(largo));
             if (!v) return Falla(u"el argumento %1 no es un número: %2"_s.arg(n, r.left(largo)));
             // Whole values come back whole, as the host passed them.
-            if (*v == static_cast<double>(static_cast<int32_t>(*v)) && *v >= INT32_MIN && *v <= INT32_MAX)
+            if (*v >= INT32_MIN && *v <= INT32_MAX && *v == static_cast<double>(static_cast<int32_t>(*v)))
                 valor = Variant(static_cast<int32_t>(*v));
             else
                 valor = Variant(*v);
@@ -186,7 +192,11 @@ std::optional<Comando> LeeComando(QStringView linea, QString* error) {
     const QStringView palabra = espacio < 0 ? linea : linea.left(espacio);
     const Forma* forma = nullptr;
     for (const Forma& f : kPermitidos)
-        if (palabra.compare(QStringView(f.palabra.data(), f.palabra.size()), Qt::CaseInsensitive) == 0) forma = &f;
+        if (palabra.size() == static_cast<qsizetype>(f.palabra.size()) &&
+            palabra.compare(QStringView(f.palabra.data(), f.palabra.size()), Qt::CaseInsensitive) == 0) {
+            forma = &f;
+            break;
+        }
     if (!forma) return falla(u"Comando no permitido en un guion: "_s + palabra.left(80).toString());
 
     Comando c;
@@ -213,9 +223,26 @@ LectorDeReporte::LectorDeReporte(const QString& archivo) : archivo_(archivo) {
                                     u"No se encuentra el archivo de reporte: "_s + archivo, u"LectorDeReporte"_s);
     if (sqlite3_open_v2(archivo.toUtf8().constData(), &bd_, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK)
         Falla(u"no se puede abrir"_s);
-    // ORDER BY row, not pagina: a file holding several documents restarts pagina at 1.
-    const int rc = sqlite3_prepare_v2(bd_, "SELECT pagina, row, source FROM source ORDER BY row", -1, &consulta_,
-                                      nullptr);
+    // In row order, not pagina: a file holding several documents restarts
+    // pagina at 1. The recorder writes rows in order, so the table's own
+    // order usually is row order and reading needs no sort (the sort would
+    // hold rows back and grow with the file); only a file whose rows were
+    // written out of order is sorted.
+    const char* enOrden = "SELECT pagina, row, source, contenido, bold, italic FROM source ORDER BY rowid";
+    const char* ordenado = "SELECT pagina, row, source, contenido, bold, italic FROM source ORDER BY row";
+    sqlite3_stmt* prueba = nullptr;
+    int rc = sqlite3_prepare_v2(bd_,
+                                "SELECT EXISTS (SELECT 1 FROM (SELECT row, lag(row) OVER (ORDER BY rowid) AS previo "
+                                "FROM source) WHERE row < previo)",
+                                -1, &prueba, nullptr);
+    bool desordenado = true;
+    if (rc == SQLITE_OK) {
+        rc = sqlite3_step(prueba);
+        if (rc == SQLITE_ROW) desordenado = sqlite3_column_int(prueba, 0) != 0;
+        rc = rc == SQLITE_ROW ? SQLITE_OK : rc;
+    }
+    sqlite3_finalize(prueba);
+    if (rc == SQLITE_OK) rc = sqlite3_prepare_v2(bd_, desordenado ? ordenado : enOrden, -1, &consulta_, nullptr);
     if (rc == SQLITE_NOTADB) Falla(u"no es un archivo de reporte"_s);
     if (rc != SQLITE_OK) Falla(u"no es un archivo de reporte (le falta la tabla source)"_s);
 }
@@ -252,6 +279,10 @@ bool LectorDeReporte::Siguiente(Renglon& renglon) {
     renglon.row = sqlite3_column_int64(consulta_, 1);
     const auto* texto = reinterpret_cast<const char*>(sqlite3_column_text(consulta_, 2));
     renglon.source = texto ? QString::fromUtf8(texto, sqlite3_column_bytes(consulta_, 2)) : QString();
+    const auto* contenido = reinterpret_cast<const char*>(sqlite3_column_text(consulta_, 3));
+    renglon.contenido = contenido ? QString::fromUtf8(contenido, sqlite3_column_bytes(consulta_, 3)) : QString();
+    renglon.bold = sqlite3_column_int64(consulta_, 4) != 0;
+    renglon.italic = sqlite3_column_int64(consulta_, 5) != 0;
     return true;
 }
 

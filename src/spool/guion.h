@@ -40,6 +40,11 @@ public:
         int64_t pagina = 0;
         int64_t row = 0;
         QString source;
+        // Kept beside the command text, and truer than it: Say's text before
+        // its double quotes were replaced, and the font flags as given.
+        QString contenido;
+        bool bold = false;
+        bool italic = false;
     };
 
     explicit LectorDeReporte(const QString& archivo);

@@ -162,7 +162,7 @@ TEST(Despacho, ArgumentosFaltantesYSobrantes) {
 TEST(Despacho, MiembroAunNoDisponibleFallaConClaridad) {
     Impresora imp;
     try {
-        imp.Llama(u"AbrirCajonDeDinero"_s);
+        imp.Llama(u"AbrirCajonDeDinero"_s, {u"COM1"_s, u"7"_s});
         FAIL() << "se esperaba un error";
     } catch (const ErrorDeAutomatizacion& e) {
         EXPECT_EQ(e.numero(), 445);

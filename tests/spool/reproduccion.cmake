@@ -1,1 +1,2 @@
 # Tests of replay.
+target_sources(pruebas PRIVATE ${CMAKE_CURRENT_LIST_DIR}/prueba_reproduccion.cpp)
