@@ -1,0 +1,27 @@
+# libFuzzer target for the script parser, built with clang beside the g++
+# build: the parser's own source is compiled instrumented, the rest comes
+# from the library. ctest runs the corpus once; long runs are by hand:
+#   build/tests/fuzz_guion -max_total_time=600 tests/fuzz/corpus
+find_program(KALO_CLANGXX NAMES clang++ clang++-14)
+if(NOT KALO_CLANGXX)
+  message(STATUS "clang++ not found: the parser's fuzz target is not built")
+  return()
+endif()
+set(KALO_FUZZ_BIN ${CMAKE_CURRENT_BINARY_DIR}/fuzz_guion)
+set(KALO_FUZZ_FUENTES ${CMAKE_CURRENT_LIST_DIR}/fuzz_guion.cpp ${PROJECT_SOURCE_DIR}/src/spool/guion.cpp)
+add_custom_command(
+  OUTPUT ${KALO_FUZZ_BIN}
+  COMMAND ${KALO_CLANGXX} -std=c++20 -g -O1 -fPIC -fsanitize=fuzzer,address,undefined
+    -fno-sanitize-recover=undefined
+    -I${PROJECT_SOURCE_DIR}/include -I${PROJECT_SOURCE_DIR}/src
+    "-I$<JOIN:$<TARGET_PROPERTY:Qt6::Core,INTERFACE_INCLUDE_DIRECTORIES>,;-I>"
+    ${KALO_FUZZ_FUENTES}
+    $<TARGET_FILE:kaloimpresora> $<TARGET_FILE:Qt6::Core> -lsqlite3
+    -Wl,-rpath,$<TARGET_FILE_DIR:kaloimpresora>
+    -o ${KALO_FUZZ_BIN}
+  DEPENDS ${KALO_FUZZ_FUENTES} kaloimpresora ${PROJECT_SOURCE_DIR}/src/spool/guion.h
+  COMMAND_EXPAND_LISTS
+  VERBATIM
+  COMMENT "Fuzz target of the script parser (clang, libFuzzer)")
+add_custom_target(objetivo_fuzz_guion ALL DEPENDS ${KALO_FUZZ_BIN})
+add_test(NAME Guion.CorpusDelFuzzer COMMAND ${KALO_FUZZ_BIN} -runs=0 ${CMAKE_CURRENT_LIST_DIR}/corpus)
