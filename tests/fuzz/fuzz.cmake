@@ -7,6 +7,15 @@ if(NOT KALO_CLANGXX)
   message(STATUS "clang++ not found: the parser's fuzz target is not built")
   return()
 endif()
+# clang without its libFuzzer runtime cannot build the target either.
+set(KALO_SONDA ${CMAKE_CURRENT_BINARY_DIR}/sonda_fuzz)
+file(WRITE ${KALO_SONDA}.cpp "extern \"C\" int LLVMFuzzerTestOneInput(const unsigned char*, unsigned long) { return 0; }\n")
+execute_process(COMMAND ${KALO_CLANGXX} -fsanitize=fuzzer,address,undefined ${KALO_SONDA}.cpp -o ${KALO_SONDA}
+  RESULT_VARIABLE KALO_SONDA_RESULTADO OUTPUT_QUIET ERROR_QUIET)
+if(NOT KALO_SONDA_RESULTADO EQUAL 0)
+  message(STATUS "clang++ cannot link libFuzzer here: the parser's fuzz target is not built")
+  return()
+endif()
 set(KALO_FUZZ_BIN ${CMAKE_CURRENT_BINARY_DIR}/fuzz_guion)
 set(KALO_FUZZ_FUENTES ${CMAKE_CURRENT_LIST_DIR}/fuzz_guion.cpp ${PROJECT_SOURCE_DIR}/src/spool/guion.cpp)
 add_custom_command(

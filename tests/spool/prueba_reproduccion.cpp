@@ -258,6 +258,34 @@ TEST(ReproduccionDeGuion, ArchivosQueNoSonGuionSeNombranConSuError) {
     }
 }
 
+TEST(ReproduccionDeGuion, PapelYOrientacionSeRespetanAunEnUnaPaginaSola) {
+    QTemporaryDir dir;
+    const QString archivo = dir.filePath(u"papel.txt"_s);
+    QFile f(archivo);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    // A sheet changed on a page takes effect from the next one.
+    f.write("LandScape\nIniciaDocumento\nSay Fn(\"1\"),Fn(\"1\"),\"uno\"\nPaginaNueva\nPortrait\n"
+            "PaperSize Fn(\"256\"),Fn(\"4\"),Fn(\"6\")\nPaginaNueva\nSay Fn(\"1\"),Fn(\"1\"),\"tres\"\nFinDocumento\n");
+    f.close();
+    const QSize carta(11 * kPpp, qRound(8.5 * kPpp)), chica(4 * kPpp, 6 * kPpp);
+    struct Caso {
+        std::vector<std::pair<int, int>> rangos;
+        std::vector<QSize> tamanos;
+    } casos[] = {
+        {{}, {carta, carta, chica}},
+        {{{3, 3}}, {chica}},
+        {{{2, 2}}, {carta}},
+    };
+    for (const Caso& c : casos) {
+        Paginas paginas;
+        OpcionesDeReproduccion o;
+        o.seleccion.rangos = c.rangos;
+        Reproduce(*AbreGuion(archivo), ImpresoraQueJunta(paginas), o);
+        ASSERT_EQ(paginas.size(), c.tamanos.size());
+        for (size_t i = 0; i < paginas.size(); ++i) EXPECT_EQ(paginas[i].size(), c.tamanos[i]) << i;
+    }
+}
+
 TEST(ReproduccionDeGuion, ListasDePaginas) {
     using R = std::vector<std::pair<int, int>>;
     struct Caso {
