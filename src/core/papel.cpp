@@ -2,6 +2,7 @@
 // carried out on the current printer. Failures after recording are swallowed.
 
 #include "kaloimpresora/impresora.h"
+#include "runtime/ignora.h"
 #include "kaloimpresora/impresoras.h"
 #include "paper/impresion_nt.h"
 #include "paper/plataforma.h"
@@ -15,14 +16,6 @@ namespace {
 constexpr int16_t kPulgadas = 5;
 constexpr int16_t kVertical = 1;
 constexpr int16_t kApaisada = 2;
-
-template <class F>
-void Ignora(F&& paso) {
-    try {
-        paso();
-    } catch (...) {
-    }
-}
 
 }  // namespace
 

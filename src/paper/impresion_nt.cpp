@@ -1,4 +1,5 @@
 #include "paper/impresion_nt.h"
+#include "runtime/ignora.h"
 
 #include <QtEndian>
 
@@ -13,15 +14,6 @@ namespace {
 
 constexpr int16_t kPulgadas = 5;
 constexpr int16_t kMilimetros = 6;
-
-// Runs one step of a routine that carries on past its failures.
-template <class F>
-void Ignora(F&& paso) {
-    try {
-        paso();
-    } catch (...) {
-    }
-}
 
 // A size in the printer's current unit, in thousandths of a millimetre. The
 // printer converts in single precision, and so does the product.

@@ -1,4 +1,5 @@
 #include "target/modulo4.h"
+#include "runtime/ignora.h"
 
 #include "kaloimpresora/impresoras.h"
 
@@ -9,15 +10,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int16_t kPulgadas = 5;
-
-// Runs one step of a routine whose target failures do not count.
-template <class F>
-void Ignora(F&& paso) {
-    try {
-        paso();
-    } catch (...) {
-    }
-}
 
 // Member calls on a target that may be missing: a missing one is the
 // runtime's "object not set".
