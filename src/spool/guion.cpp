@@ -223,6 +223,9 @@ LectorDeReporte::LectorDeReporte(const QString& archivo) : archivo_(archivo) {
                                     u"No se encuentra el archivo de reporte: "_s + archivo, u"LectorDeReporte"_s);
     if (sqlite3_open_v2(archivo.toUtf8().constData(), &bd_, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK)
         Falla(u"no se puede abrir"_s);
+    // Rows are read once, front to back: a large page cache would only grow
+    // with the file.
+    sqlite3_exec(bd_, "PRAGMA cache_size = -256", nullptr, nullptr, nullptr);
     // In row order, not pagina: a file holding several documents restarts
     // pagina at 1. The recorder writes rows in order, so the table's own
     // order usually is row order and reading needs no sort (the sort would
