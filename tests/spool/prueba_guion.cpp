@@ -239,3 +239,44 @@ TEST(GuionLector, ArchivosQueNoSonReportesSeNombranEnElError) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(GuionLector, LosRenglonesSalenEnOrdenDeRowComoSeHayanEscrito) {
+    struct Caso {
+        const char* nombre;
+        std::vector<int> rows;  // in the order they are inserted
+    } casos[] = {
+        {"en_orden", {1, 2, 3, 4}},
+        {"desordenado", {3, 1, 4, 2}},
+    };
+    QTemporaryDir dir;
+    for (const Caso& c : casos) {
+        const QString archivo = dir.filePath(QString::fromLatin1(c.nombre) + u".rep"_s);
+        sqlite3* bd = nullptr;
+        ASSERT_EQ(sqlite3_open(archivo.toUtf8().constData(), &bd), SQLITE_OK);
+        sqlite3_exec(bd,
+                     "CREATE TABLE source( pagina INTEGER, source TEXT, row INTEGER, contenido TEXT, fuente TEXT, "
+                     "fsize REAL, nrow REAL, ncol REAL, bold INTEGER, italic INTEGER )",
+                     nullptr, nullptr, nullptr);
+        for (int row : c.rows) {
+            const QByteArray sql = "INSERT INTO source( pagina, row, source, bold ) VALUES ( 1, " +
+                                   QByteArray::number(row) + ", 'CurrentX Fn(\"" + QByteArray::number(row) +
+                                   "\")', " + QByteArray::number(row % 2) + " )";
+            sqlite3_exec(bd, sql.constData(), nullptr, nullptr, nullptr);
+        }
+        sqlite3_close(bd);
+
+        std::vector<int64_t> leidos;
+        LectorDeReporte lector(archivo);
+        LectorDeReporte::Renglon r;
+        while (lector.Siguiente(r)) {
+            EXPECT_EQ(r.source, u"CurrentX Fn(\"%1\")"_s.arg(r.row)) << c.nombre;
+            EXPECT_EQ(r.bold, r.row % 2 == 1) << c.nombre;
+            leidos.push_back(r.row);
+        }
+        EXPECT_EQ(leidos, (std::vector<int64_t>{1, 2, 3, 4})) << c.nombre;
+    }
+}
+
+}  // namespace
