@@ -69,7 +69,7 @@ TEST_F(Herramienta, CodigosDeSalidaYMensajes) {
     const QString binario = dir.filePath(u"foto.png"_s);
     QImage(8, 8, QImage::Format_RGB32).save(binario);
     const QString malo = Escribe(u"malo.txt"_s, "IniciaDocumento\nSay Fn(\"1\"),\"x\"\nBorraArchivo\nFinDocumento\n");
-    const QString pdf = dir.filePath(u"salida.pdf"_s);
+    const QString pdf = dir.filePath(u"salida.pdf"_s), falta = dir.filePath(u"no-esta.rep"_s);
     struct Caso {
         QStringList args;
         int codigo;
@@ -80,8 +80,8 @@ TEST_F(Herramienta, CodigosDeSalidaYMensajes) {
         {{u"imprime"_s, guion, u"--paginas"_s, u"3-1"_s}, 1, u"Lista de páginas no válida: 3-1"_s},
         {{u"imprime"_s, guion, u"--pdf"_s, pdf, u"--png"_s, dir.path()}, 1, u"un solo destino"_s},
         {{u"imprime"_s, guion, u"--color"_s}, 1, u"Opción desconocida: --color"_s},
-        {{u"imprime"_s, dir.filePath(u"no-esta.rep"_s)}, 2, u"no-esta.rep"_s},
-        {{u"resumen"_s, binario}, 2, u"no es un archivo de reporte ni un guion"_s},
+        {{u"imprime"_s, falta}, 2, u"No se encuentra el archivo "_s + falta},
+        {{u"resumen"_s, binario}, 2, u"El archivo "_s + binario + u" no es un archivo de reporte ni un guion"_s},
         {{u"imprime"_s, malo, u"--estricto"_s, u"--pdf"_s, pdf}, 3, u"malo.txt: documento 1, página 1, renglón 2: "_s},
         {{u"imprime"_s, guion, u"--impresora"_s, u"No Existe"_s}, 4, u"No existe la impresora «No Existe»"_s},
         {{u"imprime"_s, guion, u"--paginas"_s, u"9"_s, u"--pdf"_s, pdf}, 5, u"ninguna página"_s},
