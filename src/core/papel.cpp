@@ -85,20 +85,12 @@ void Impresora::RestauraPapel() {
         Ignora([&] { ImpresoraActual()->Asigna(u"PaperSize"_s, PapelTipo); });
     }
     if (ObtenPlataforma() == kPlataformaConFormas) {
-        Ignora([&] {
-            const auto impresora = ImpresoraActual();
-            const int32_t alto = CLng(impresora->Lee(u"Height"_s));
-            const int32_t ancho = CLng(impresora->Lee(u"Width"_s));
-            impresion_nt::AplicaFormaNT(ControlhWndImpresora(), alto, ancho, QString());
-        });
+        Ignora([&] { impresion_nt::AplicaFormaALaHoja(ControlhWndImpresora(), QString()); });
     }
 }
 
 void Impresora::EstableceEstiloImpresoraNT() {
-    const auto impresora = ImpresoraActual();
-    const int32_t alto = CLng(impresora->Lee(u"Height"_s));
-    const int32_t ancho = CLng(impresora->Lee(u"Width"_s));
-    impresion_nt::AplicaFormaNT(ControlhWndImpresora(), alto, ancho, EstiloImpresion());
+    impresion_nt::AplicaFormaALaHoja(ControlhWndImpresora(), EstiloImpresion());
 }
 
 std::shared_ptr<Objeto> Impresora::CreaForma() { return nullptr; }

@@ -191,27 +191,36 @@ int32_t PropiedadesDelDocumento(int32_t /*propietario*/, Manejador impresora, co
     return 1;
 }
 
+namespace {
+
+// The forms of the printer behind an open handle, for a valid form; on
+// failure nullptr with the last error set. The caller holds the lock.
+std::vector<Forma>* FormasParaDefinir(Estado& e, Manejador impresora, const Forma& forma) {
+    const auto abierta = e.abiertas.find(impresora);
+    if (abierta == e.abiertas.end()) return Falla(error::kManejadorNoValido, nullptr);
+    if (!FormaValida(forma)) return Falla(error::kParametroNoValido, nullptr);
+    return &e.dispositivos[abierta->second].formas;
+}
+
+}  // namespace
+
 bool AgregaForma(Manejador impresora, const Forma& forma) {
     Estado& e = Global();
     std::lock_guard bloqueo(e.cerrojo);
-    const auto abierta = e.abiertas.find(impresora);
-    if (abierta == e.abiertas.end()) return Falla(error::kManejadorNoValido, false);
-    if (!FormaValida(forma)) return Falla(error::kParametroNoValido, false);
-    auto& formas = e.dispositivos[abierta->second].formas;
-    if (Busca(formas, forma.nombre) != formas.end()) return Falla(error::kYaExiste, false);
-    formas.push_back(forma);
+    auto* formas = FormasParaDefinir(e, impresora, forma);
+    if (!formas) return false;
+    if (Busca(*formas, forma.nombre) != formas->end()) return Falla(error::kYaExiste, false);
+    formas->push_back(forma);
     return true;
 }
 
 bool RedefineForma(Manejador impresora, const QString& nombre, const Forma& forma) {
     Estado& e = Global();
     std::lock_guard bloqueo(e.cerrojo);
-    const auto abierta = e.abiertas.find(impresora);
-    if (abierta == e.abiertas.end()) return Falla(error::kManejadorNoValido, false);
-    if (!FormaValida(forma)) return Falla(error::kParametroNoValido, false);
-    auto& formas = e.dispositivos[abierta->second].formas;
-    const auto it = Busca(formas, nombre);
-    if (it == formas.end()) return Falla(error::kNombreDeFormaNoValido, false);
+    auto* formas = FormasParaDefinir(e, impresora, forma);
+    if (!formas) return false;
+    const auto it = Busca(*formas, nombre);
+    if (it == formas->end()) return Falla(error::kNombreDeFormaNoValido, false);
     const QString conservado = it->nombre;
     *it = forma;
     it->nombre = conservado;

@@ -63,12 +63,7 @@ void AjustaPapel(int16_t codigo, int32_t propietario, double ancho, double alto,
         Ignora([&] { ImpresoraActual()->Asigna(u"PaperSize"_s, codigo); });
     }
     if (ObtenPlataforma() == kPlataformaConFormas) {
-        Ignora([&] {
-            const auto impresora = ImpresoraActual();
-            const int32_t altoActual = CLng(impresora->Lee(u"Height"_s));
-            const int32_t anchoActual = CLng(impresora->Lee(u"Width"_s));
-            AplicaFormaNT(propietario, altoActual, anchoActual, estilo);
-        });
+        Ignora([&] { AplicaFormaALaHoja(propietario, estilo); });
     }
 }
 
@@ -78,6 +73,13 @@ void EstableceOrientacion(int16_t orientacion) {
 
 void AplicaFormaNT(int32_t propietario, int32_t alto, int32_t ancho, const QString& estilo) {
     SeleccionaForma(u"Tiendanova_"_s + estilo, propietario, alto, ancho);
+}
+
+void AplicaFormaALaHoja(int32_t propietario, const QString& estilo) {
+    const auto impresora = ImpresoraActual();
+    const int32_t alto = CLng(impresora->Lee(u"Height"_s));
+    const int32_t ancho = CLng(impresora->Lee(u"Width"_s));
+    AplicaFormaNT(propietario, alto, ancho, estilo);
 }
 
 int16_t SeleccionaForma(const QString& nombre, int32_t propietario, int32_t alto, int32_t ancho) {

@@ -27,6 +27,8 @@ void EstableceOrientacion(int16_t orientacion);
 
 // Note the order: height before width. Errors reach the caller.
 void AplicaFormaNT(int32_t propietario, int32_t alto, int32_t ancho, const QString& estilo);
+// The same with the current printer's sheet as it is now, in whole twips.
+void AplicaFormaALaHoja(int32_t propietario, const QString& estilo);
 
 // Defines (or redefines) the form and puts it in the printer's driver
 // settings and device context: 2 when done, 0 when the printer cannot be
