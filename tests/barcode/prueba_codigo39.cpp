@@ -487,6 +487,7 @@ TEST(Codigo39EnImagen, EnLaVistaSeDibujaEnSusTwipsVerdaderos) {
 // the button is ended by force: a fault fails the test instead of hanging it.
 TEST(Codigo39MsgBox, LaCajaRealDevuelveElBotonPulsado) {
     AseguraAplicacion();
+    EstablecePresentadorDeMensajes({});  // the real box, not the suite's guard
     struct {
         int32_t estilo;
         QString boton;
