@@ -24,7 +24,7 @@
 #include "kaloimpresora/superficies.h"
 #include "insert_desnudo.h"
 #include "spool/reproduccion.h"
-#include "target/aplicacion.h"
+#include "runtime/aplicacion.h"
 #include "target/impresora_sistema.h"
 #include "target/modulo4.h"
 

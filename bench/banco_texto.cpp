@@ -12,7 +12,7 @@
 #include "kaloimpresora/impresora.h"
 #include "kaloimpresora/impresoras.h"
 #include "kaloimpresora/superficies.h"
-#include "target/aplicacion.h"
+#include "runtime/aplicacion.h"
 #include "target/impresora_sistema.h"
 #include "target/modulo4.h"
 #include "insert_desnudo.h"

@@ -8,6 +8,7 @@
 
 #include "kaloimpresora/conversiones.h"
 #include "kaloimpresora/errores.h"
+#include "kaloimpresora/exporta.h"
 #include "kaloimpresora/variant.h"
 
 namespace kalo {
@@ -20,7 +21,7 @@ enum class Llamada { Metodo, LeePropiedad, AsignaValor, AsignaReferencia };
 
 // Any automation object, reached late-bound by member name or dispatch id.
 // Subclasses override the two virtual members; the rest are conveniences.
-class Objeto {
+class KALO_EXPORT Objeto {
 public:
     virtual ~Objeto() = default;
 
@@ -43,8 +44,27 @@ public:
     Variant Llama(const QString& metodo, std::initializer_list<Variant> argumentos = {});
 };
 
+// The member table of a class: names, dispatch ids, argument rules.
+class TablaDeMiembros;
+KALO_EXPORT int32_t IdEnTabla(const TablaDeMiembros& tabla, const QString& nombre);
+KALO_EXPORT Variant InvocaEnTabla(const TablaDeMiembros& tabla, Objeto& objeto, int32_t dispid, Llamada tipo,
+                                  std::span<Variant> argumentos);
+
+// Base of the component's objects: Clase gives its table as Clase::Tabla(),
+// and binding by name and by id goes through it. Base is Objeto or a class
+// derived from it.
+template <class Clase, class Base = Objeto>
+class ConTabla : public Base {
+public:
+    using Base::Base;
+    int32_t IdDeNombre(const QString& nombre) const override { return IdEnTabla(Clase::Tabla(), nombre); }
+    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) override {
+        return InvocaEnTabla(Clase::Tabla(), *this, dispid, tipo, argumentos);
+    }
+};
+
 // Creates "KaloImpresora.Impresora" or "KaloImpresora.ParamData" (by program
 // identifier or by class identifier); anything else raises 429.
-std::shared_ptr<Objeto> CreaObjeto(const QString& idDePrograma);
+KALO_EXPORT std::shared_ptr<Objeto> CreaObjeto(const QString& idDePrograma);
 
 }  // namespace kalo

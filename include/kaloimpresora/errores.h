@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kaloimpresora/exporta.h"
+
 #include <QByteArray>
 #include <QString>
 #include <cstdint>
@@ -27,16 +29,19 @@ inline constexpr int32_t kNoAdmiteAccion = 445;
 inline constexpr int32_t kArgumentoConNombreNoEncontrado = 448;
 inline constexpr int32_t kArgumentoNoOpcional = 449;
 inline constexpr int32_t kNumeroDeArgumentosErroneo = 450;
+inline constexpr int32_t kImagenNoValida = 481;
 inline constexpr int32_t kErrorDeImpresora = 482;
+// A failed spool-file operation (the runtime's range for errors of objects).
+inline constexpr int32_t kErrorDeBaseDeDatos = -2147221504 + 1001;
 }  // namespace err
 
 // The runtime's Spanish description for an error number; a generic text for
 // numbers it does not know.
-QString DescripcionDeError(int32_t numero);
+KALO_EXPORT QString DescripcionDeError(int32_t numero);
 
 // Every failure leaves the component as one of these, carrying the runtime's
 // error number and description, like an automation error would.
-class ErrorDeAutomatizacion : public std::exception {
+class KALO_EXPORT ErrorDeAutomatizacion : public std::exception {
 public:
     explicit ErrorDeAutomatizacion(int32_t numero, QString origen = {});
     ErrorDeAutomatizacion(int32_t numero, QString descripcion, QString origen);
@@ -53,9 +58,9 @@ private:
     QByteArray what_;
 };
 
-[[noreturn]] void Lanza(int32_t numero, const QString& origen = {});
+[[noreturn]] KALO_EXPORT void Lanza(int32_t numero, const QString& origen = {});
 
 // Error 445 for a member whose feature this build does not offer yet.
-[[noreturn]] void LanzaNoDisponible(const QString& miembro, const QString& origen);
+[[noreturn]] KALO_EXPORT void LanzaNoDisponible(const QString& miembro, const QString& origen);
 
 }  // namespace kalo

@@ -9,11 +9,16 @@
 
 namespace kalo {
 
+// The style of a new Impresora and of PaperSize when none is named; the
+// printer's forms are named "Tiendanova_" + style.
+inline constexpr char16_t kEstiloPredeterminado[] = u"Tiendanova";
+
 // The object through which every document is printed or previewed. Public
 // state is plain stored values, in the order of its automation interface.
-class Impresora : public Objeto {
+class KALO_EXPORT Impresora : public ConTabla<Impresora> {
 public:
     Impresora();
+    static const TablaDeMiembros& Tabla();
 
     bool Pantalla = false;  // false: printer; true: preview in Imagen2
     std::shared_ptr<Objeto> Imagen1;
@@ -125,7 +130,7 @@ public:
     // in FormaAncho and FormaAlto, and the printer's form named after
     // strestilo takes it in whole inches. Only the recording can fail.
     void PaperSize(int16_t nTipo, double nW = 0, double nH = 0,
-                   const QString& strestilo = QStringLiteral("Tiendanova"));
+                   const QString& strestilo = QString::fromUtf16(kEstiloPredeterminado));
     // Puts back the sheet that the printer had before the latest PaperSize.
     void RestauraPapel();
     // Applies the form of EstiloImpresion to the current printer's sheet.
@@ -161,24 +166,7 @@ public:
     double Random();
     int32_t RandomColor();
 
-    int32_t IdDeNombre(const QString& nombre) const override;
-    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) override;
-
 private:
-    // Lets tests and benchmarks reach the recorder directly.
-    friend struct AccesoInterno;
-
-    // Counts the command and, while Pantalla and Archivo are both on, writes
-    // it as one row of the spool file. Never fails but for the counter.
-    void RegistraComando(const QString& source, double nrow = 0, double ncol = 0, const QString& contenido = {},
-                         const QString& fuente = {}, double fsize = 0, bool bold = false, bool italic = false);
-    // A number as recorded in command texts: Fn("2.5").
-    QString TextoFn(const Variant& valor);
-    // The part that the picture barcodes' commands share.
-    QString ComandoDeBarras(const QString& palabra, int16_t altoDeBarra, const QString& barData,
-                            const Variant& pLeft, const Variant& pTop, const Variant& pWidth,
-                            const Variant& pHeight);
-
     int16_t escalaGuardadaImagen1_ = 0;  // ScaleMode of Imagen1 while a document is open
     double formaAlto_ = 0;
     double formaAncho_ = 0;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kaloimpresora/exporta.h"
+
 // The runtime's message box. Styles and answers are numbered as the runtime
 // numbers them, so hosts and the component speak the same values.
 
@@ -41,12 +43,12 @@ inline constexpr int32_t kNo = 7;
 // Shows texto modally and returns the button pressed. An empty title shows
 // the application's name. Unless replaced, a real message box of the user's
 // interface thread: it blocks until answered.
-int32_t MsgBox(const QString& texto, int32_t estilo, const QString& titulo);
+KALO_EXPORT int32_t MsgBox(const QString& texto, int32_t estilo, const QString& titulo);
 
 // Who shows the message boxes: hosts with their own dialogs, and tests and
 // headless processes that must never block. An empty function brings back
 // the real message box. Set it from the user-interface thread.
 using PresentadorDeMensajes = std::function<int32_t(const QString& texto, int32_t estilo, const QString& titulo)>;
-void EstablecePresentadorDeMensajes(PresentadorDeMensajes presentador);
+KALO_EXPORT void EstablecePresentadorDeMensajes(PresentadorDeMensajes presentador);
 
 }  // namespace kalo

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kaloimpresora/exporta.h"
+
 #include <QString>
 
 #include "kaloimpresora/automatizacion.h"
@@ -8,7 +10,7 @@ namespace kalo {
 
 // Parameter record of the data-range dialog: the host fills the input half
 // (queries, legends, the Param/Fechas/Check switches) and reads the answers.
-class ParamData : public Objeto {
+class KALO_EXPORT ParamData : public ConTabla<ParamData> {
 public:
     // Answers.
     QString BusquedaIni;
@@ -49,8 +51,7 @@ public:
                               bool pFechas = false, bool pCheck = false, bool pCheckValue = false,
                               const QString& pCheckLeyend = {});
 
-    int32_t IdDeNombre(const QString& nombre) const override;
-    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) override;
+    static const TablaDeMiembros& Tabla();
 };
 
 }  // namespace kalo

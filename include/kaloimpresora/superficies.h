@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kaloimpresora/exporta.h"
+
 // Preview targets: surfaces that offer, by member name, what the drawing-target
 // layer asks of a host's picture box (scale, position, font, colours, Cls,
 // Print, Line, Circle, PaintPicture, TextWidth, TextHeight, Width, Height,
@@ -19,7 +21,7 @@ namespace kalo {
 // "Parent" is a container whose only member is "ScaleMode" (twips at first);
 // "Width" and "Height" are the image's size in that unit, and assigning them
 // resizes the image, keeping what is drawn.
-std::shared_ptr<Objeto> CreaSuperficieDeImagen(int anchoPixeles, int altoPixeles, double puntosPorPulgada = 96);
+KALO_EXPORT std::shared_ptr<Objeto> CreaSuperficieDeImagen(int anchoPixeles, int altoPixeles, double puntosPorPulgada = 96);
 
 class SuperficieDeImagen;
 
@@ -27,7 +29,7 @@ class SuperficieDeImagen;
 // its own size and repaints when drawn on. "Width", "Height", "Left" and "Top"
 // of its object resize and move the widget, in the unit of its "Parent": the
 // object of a parent CajaDeImagen, or else a container with a "ScaleMode".
-class CajaDeImagen : public QWidget {
+class KALO_EXPORT CajaDeImagen : public QWidget {
 public:
     explicit CajaDeImagen(QWidget* padre = nullptr);
     ~CajaDeImagen() override;

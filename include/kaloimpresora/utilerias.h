@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kaloimpresora/exporta.h"
+
 // The host application's utility object. The component knows it only by the
 // operations below; each comment is the contract the component relies on.
 // One shared instance per thread, created on first use; hosts and tests may
@@ -15,7 +17,7 @@ class QObject;
 
 namespace kalo {
 
-class Utilerias {
+class KALO_EXPORT Utilerias {
 public:
     virtual ~Utilerias() = default;
 
@@ -71,7 +73,7 @@ public:
 // The component's own implementation, used unless the host supplies one.
 // Barcode pictures come from libzint at 8 pixels per mm, altoDeBarra in
 // pixels. Operations whose feature is not available yet raise 445.
-class UtileriasPredeterminadas : public Utilerias {
+class KALO_EXPORT UtileriasPredeterminadas : public Utilerias {
 public:
     QString TextoDeNumero(double numero) override;
     // Null, Empty and errors give "".
@@ -102,9 +104,9 @@ public:
 };
 
 // The calling thread's shared instance, created on first use.
-Utilerias& UtileriasCompartidas();
+KALO_EXPORT Utilerias& UtileriasCompartidas();
 // Puts another instance in place for the calling thread; nullptr brings back
 // the component's own on next use.
-void SustituyeUtilerias(std::shared_ptr<Utilerias> utilerias);
+KALO_EXPORT void SustituyeUtilerias(std::shared_ptr<Utilerias> utilerias);
 
 }  // namespace kalo

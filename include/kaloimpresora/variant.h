@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kaloimpresora/exporta.h"
+
 #include <QString>
 #include <cstdint>
 #include <memory>
@@ -29,13 +31,13 @@ enum class TipoVariant : uint16_t {
 // Fixed-point currency: the value times 10,000.
 struct Moneda {
     int64_t escalado = 0;
-    friend bool operator==(Moneda, Moneda) = default;
+    friend KALO_EXPORT bool operator==(Moneda, Moneda) = default;
 };
 
 // The runtime's error code for an omitted optional argument.
 inline constexpr int32_t kCodigoArgumentoOmitido = 448;
 
-class Variant {
+class KALO_EXPORT Variant {
 public:
     Variant() noexcept : tipo_(TipoVariant::Vacio) { escalar_.moneda = 0; }
     Variant(bool b) noexcept : tipo_(TipoVariant::Booleano) { escalar_.booleano = b; }
@@ -99,12 +101,12 @@ public:
     // counts as 0 (or "" beside text), text + text joins, text beside a number
     // is read as a number. Failures raise 13, 6, 11 or 94. Hidden friends, so
     // that texts and numbers never reach them by implicit conversion.
-    friend Variant operator+(const Variant& a, const Variant& b);
-    friend Variant operator-(const Variant& a, const Variant& b);
-    friend Variant operator*(const Variant& a, const Variant& b);
-    friend Variant operator/(const Variant& a, const Variant& b);
+    friend KALO_EXPORT Variant operator+(const Variant& a, const Variant& b);
+    friend KALO_EXPORT Variant operator-(const Variant& a, const Variant& b);
+    friend KALO_EXPORT Variant operator*(const Variant& a, const Variant& b);
+    friend KALO_EXPORT Variant operator/(const Variant& a, const Variant& b);
     // Runtime equality; Null never equals anything.
-    friend bool operator==(const Variant& a, const Variant& b);
+    friend KALO_EXPORT bool operator==(const Variant& a, const Variant& b);
 
 private:
     explicit Variant(TipoVariant t) noexcept : tipo_(t) { escalar_.moneda = 0; }
@@ -123,6 +125,6 @@ private:
 };
 
 // -1, 0 or 1; a Null on either side gives Null, returned as std::nullopt.
-std::optional<int> Compara(const Variant& a, const Variant& b);
+KALO_EXPORT std::optional<int> Compara(const Variant& a, const Variant& b);
 
 }  // namespace kalo

@@ -33,6 +33,20 @@ struct Parametro {
     std::optional<Variant> omision;
 };
 
+// How member tables describe parameters: by reference (the interfaces' usual
+// way) or by value, and optional with or without a default.
+inline Parametro PorRef(QString nombre, TipoDato tipo = TipoDato::Variante) {
+    return {std::move(nombre), tipo, true, false, {}};
+}
+inline Parametro PorValor(QString nombre, TipoDato tipo = TipoDato::Variante) {
+    return {std::move(nombre), tipo, false, false, {}};
+}
+inline Parametro Opcional(Parametro p, std::optional<Variant> omision = {}) {
+    p.opcional = true;
+    p.omision = std::move(omision);
+    return p;
+}
+
 // The value a typed slot takes: the runtime's conversion for the type. Object
 // slots demand an object (Nothing included), raising 13 otherwise.
 Variant Coacciona(const Variant& valor, TipoDato tipo);
@@ -86,38 +100,61 @@ struct Miembro {
 std::vector<Variant> PreparaArgumentos(const std::vector<Parametro>& parametros,
                                        std::span<const Variant> argumentos);
 
+// The part of a member table that does not depend on the class: names and
+// ids. Objects reach it through ConTabla (kaloimpresora/automatizacion.h).
+class TablaDeMiembros {
+public:
+    virtual ~TablaDeMiembros() = default;
+
+    int32_t IdDeNombre(const QString& nombre) const {
+        // Names usually come spelled as declared: no case folding, no allocation.
+        if (auto exacto = porNombreExacto_.constFind(nombre); exacto != porNombreExacto_.cend()) return *exacto;
+        auto it = porNombre_.constFind(nombre.toCaseFolded());
+        return it == porNombre_.cend() ? kDispidDesconocido : *it;
+    }
+    virtual Variant Invoca(Objeto& objeto, int32_t dispid, Llamada tipo, std::span<Variant> argumentos) const = 0;
+    const QString& nombreDeClase() const { return nombreDeClase_; }
+
+protected:
+    explicit TablaDeMiembros(QString nombreDeClase) : nombreDeClase_(std::move(nombreDeClase)) {}
+    void Nombra(const QString& nombre, int32_t dispid) {
+        porNombreExacto_.insert(nombre, dispid);
+        porNombre_.insert(nombre.toCaseFolded(), dispid);
+    }
+
+private:
+    QString nombreDeClase_;
+    QHash<QString, int32_t> porNombreExacto_;
+    QHash<QString, int32_t> porNombre_;
+};
+
 template <class Clase>
-class Interfaz {
+class Interfaz final : public TablaDeMiembros {
 public:
     explicit Interfaz(QString nombreDeClase, std::vector<Miembro<Clase>> miembros)
-        : nombreDeClase_(std::move(nombreDeClase)), miembros_(std::move(miembros)) {
+        : TablaDeMiembros(std::move(nombreDeClase)), miembros_(std::move(miembros)) {
         for (size_t i = 0; i < miembros_.size(); ++i) {
-            porNombreExacto_.insert(miembros_[i].nombre, i);
-            porNombre_.insert(miembros_[i].nombre.toCaseFolded(), i);
+            Nombra(miembros_[i].nombre, miembros_[i].dispid);
             porId_.insert(miembros_[i].dispid, i);
         }
     }
 
     const std::vector<Miembro<Clase>>& miembros() const { return miembros_; }
 
-    int32_t IdDeNombre(const QString& nombre) const {
-        // Names usually come spelled as declared: no case folding, no allocation.
-        if (auto exacto = porNombreExacto_.constFind(nombre); exacto != porNombreExacto_.cend())
-            return miembros_[*exacto].dispid;
-        auto it = porNombre_.constFind(nombre.toCaseFolded());
-        return it == porNombre_.cend() ? kDispidDesconocido : miembros_[*it].dispid;
-    }
-
     const Miembro<Clase>* PorId(int32_t dispid) const {
         auto it = porId_.constFind(dispid);
         return it == porId_.cend() ? nullptr : &miembros_[*it];
     }
 
+    Variant Invoca(Objeto& objeto, int32_t dispid, Llamada tipo, std::span<Variant> argumentos) const override {
+        return Invoca(static_cast<Clase&>(objeto), dispid, tipo, argumentos);
+    }
+
     Variant Invoca(Clase& objeto, int32_t dispid, Llamada tipo, std::span<Variant> argumentos) const {
         const Miembro<Clase>* m = PorId(dispid);
-        if (!m) Lanza(err::kNoAdmitePropiedadOMetodo, nombreDeClase_);
+        if (!m) Lanza(err::kNoAdmitePropiedadOMetodo, nombreDeClase());
         // Built only when something fails: this is every call's path.
-        const auto origen = [&] { return nombreDeClase_ + u'.' + m->nombre; };
+        const auto origen = [&] { return nombreDeClase() + u'.' + m->nombre; };
         const bool lectura = tipo == Llamada::LeePropiedad || tipo == Llamada::Metodo;
         switch (m->clase) {
         case ClaseDeMiembro::PropiedadValor:
@@ -173,12 +210,15 @@ private:
         }
     }
 
-    QString nombreDeClase_;
     std::vector<Miembro<Clase>> miembros_;
-    QHash<QString, size_t> porNombreExacto_;
-    QHash<QString, size_t> porNombre_;
     QHash<int32_t, size_t> porId_;
 };
+
+// The typed table of a class that derives from ConTabla<Clase>.
+template <class Clase>
+const Interfaz<Clase>& InterfazDe() {
+    return static_cast<const Interfaz<Clase>&>(Clase::Tabla());
+}
 
 // Builders for table entries backed by a data member of the class.
 template <class Clase, class Campo>

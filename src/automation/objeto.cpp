@@ -1,5 +1,6 @@
 #include <QVarLengthArray>
 
+#include "automation/interfaz.h"
 #include "kaloimpresora/automatizacion.h"
 
 namespace kalo {
@@ -9,6 +10,13 @@ void LanzaNoDisponible(const QString& miembro, const QString& origen) {
                                 DescripcionDeError(err::kNoAdmiteAccion) + QStringLiteral(": «") + miembro +
                                     QStringLiteral("» aún no está disponible"),
                                 origen);
+}
+
+int32_t IdEnTabla(const TablaDeMiembros& tabla, const QString& nombre) { return tabla.IdDeNombre(nombre); }
+
+Variant InvocaEnTabla(const TablaDeMiembros& tabla, Objeto& objeto, int32_t dispid, Llamada tipo,
+                      std::span<Variant> argumentos) {
+    return tabla.Invoca(objeto, dispid, tipo, argumentos);
 }
 
 int32_t Objeto::IdDeNombre(const QString&) const { return kDispidDesconocido; }

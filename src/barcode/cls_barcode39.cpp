@@ -9,7 +9,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int32_t kCaracterNoValido = 5970;
-constexpr int32_t kControlNoValido = 438;
 const QString kTextoCaracterNoValido = u"Invalid Charater in the Barcode parameter."_s;
 const QString kTextoControlNoValido = u"Invalid control in use. Support only picturebox, form, and printer."_s;
 
@@ -266,10 +265,10 @@ void clsBarCode39::Draw(const std::shared_ptr<Objeto>& objTarget) {
         mlngErrNumber = 0;
     } catch (...) {
         // Whatever went wrong, the caller hears of an unusable target.
-        mlngErrNumber = kControlNoValido;
+        mlngErrNumber = err::kNoAdmitePropiedadOMetodo;
         mstrErrDescription = kTextoControlNoValido;
         if (mblnRaiseError)
-            throw ErrorDeAutomatizacion(kControlNoValido, kTextoControlNoValido, u"clsBarcode39.Barcode"_s);
+            throw ErrorDeAutomatizacion(err::kNoAdmitePropiedadOMetodo, kTextoControlNoValido, u"clsBarcode39.Barcode"_s);
     }
 }
 

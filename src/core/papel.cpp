@@ -1,7 +1,8 @@
 // Paper size, orientation and the printer's form: recorded first, then
 // carried out on the current printer. Failures after recording are swallowed.
 
-#include "kaloimpresora/impresora.h"
+#include "core/privado.h"
+#include "runtime/unidades.h"
 #include "runtime/ignora.h"
 #include "kaloimpresora/impresoras.h"
 #include "paper/impresion_nt.h"
@@ -13,14 +14,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int16_t kPulgadas = 5;
 constexpr int16_t kVertical = 1;
 constexpr int16_t kApaisada = 2;
 
 }  // namespace
 
 void Impresora::Portrait() {
-    Ignora([&] { RegistraComando(u"Portrait"_s); });
+    Ignora([&] { RegistraComando(*this, u"Portrait"_s); });
     if (!Pantalla) impresion_nt::EstableceOrientacion(kVertical);
     // The page size and the grid stay as LandScape left them.
     PaperOrientation = kVertical;
@@ -35,14 +35,14 @@ void Impresora::LandScape() {
     }
     nRow = 40;
     nCol = 130;
-    Ignora([&] { RegistraComando(u"LandScape"_s); });
+    Ignora([&] { RegistraComando(*this, u"LandScape"_s); });
     if (!Pantalla) impresion_nt::EstableceOrientacion(kApaisada);
     PaperOrientation = kApaisada;
     Horizontal = true;
 }
 
 void Impresora::PaperSize(int16_t nTipo, double nW, double nH, const QString& strestilo) {
-    RegistraComando(u"PaperSize "_s + TextoFn(Variant(nTipo)) + u',' + TextoFn(Variant(nW)) + u',' +
+    RegistraComando(*this, u"PaperSize "_s + TextoFn(Variant(nTipo)) + u',' + TextoFn(Variant(nW)) + u',' +
                     TextoFn(Variant(nH)));
     try {
         const auto impresora = ImpresoraActual();
@@ -50,11 +50,11 @@ void Impresora::PaperSize(int16_t nTipo, double nW, double nH, const QString& st
         PapelAncho = CLng(impresora->Lee(u"Width"_s));
         PapelLargo = CLng(impresora->Lee(u"Height"_s));
         impresora->Lee(u"ScaleMode"_s);
-        impresora->Asigna(u"ScaleMode"_s, kPulgadas);
+        impresora->Asigna(u"ScaleMode"_s, escala::kPulgadas);
         // Deliberately shifted: nW rounded goes as the owner window, nH as the
         // width and 0 as the height, always with the default style. The form
         // step below is what leaves the intended sheet.
-        impresion_nt::AjustaPapel(nTipo, CLng(Variant(nW)), nH, 0, u"Tiendanova"_s);
+        impresion_nt::AjustaPapel(nTipo, CLng(Variant(nW)), nH, 0, QString::fromUtf16(kEstiloPredeterminado));
         const bool apaisada = impresora->Lee(u"Orientation"_s) == Variant(kApaisada);
         if (impresora->Lee(u"PaperSize"_s) == Variant(impresion_nt::kPapelDeUsuario)) {
             FormaAlto(apaisada ? nW : nH);
@@ -76,7 +76,7 @@ void Impresora::PaperSize(int16_t nTipo, double nW, double nH, const QString& st
 }
 
 void Impresora::RestauraPapel() {
-    RegistraComando(u"RestauraPapel"_s);
+    RegistraComando(*this, u"RestauraPapel"_s);
     if (PapelTipo == impresion_nt::kPapelDeUsuario) {
         Ignora([&] { ImpresoraActual()->Asigna(u"Width"_s, CLng(Variant(PapelAncho))); });
         Ignora([&] { ImpresoraActual()->Asigna(u"Height"_s, CLng(Variant(PapelLargo))); });

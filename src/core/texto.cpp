@@ -1,7 +1,7 @@
 // Text output and font state: each method records its command, then sets the
 // drawing target. Conversions fail before anything is recorded.
 
-#include "kaloimpresora/impresora.h"
+#include "core/privado.h"
 #include "kaloimpresora/utilerias.h"
 #include "target/modulo4.h"
 
@@ -26,49 +26,49 @@ void Impresora::Say(const Variant& y, const Variant& x, const Variant& strMensaj
     const QString contenido = util.TextoDeValor(strMensaje);
     const double nrow = CDbl(Variant(CDbl(y)) / (Variant(FormaAlto()) / Variant(nRow)));
     const double ncol = CDbl(Variant(CDbl(x)) / (Variant(FormaAncho()) / Variant(nCol)));
-    RegistraComando(comando, nrow, ncol, contenido);
+    RegistraComando(*this, comando, nrow, ncol, contenido);
     modulo4::PosicionaX(x);
     modulo4::PosicionaY(y);
     modulo4::ImprimeTexto(strMensaje);
 }
 
 void Impresora::CurrentY(const Variant& YVal) {
-    RegistraComando(u"CurrentY "_s + TextoFn(YVal));
+    RegistraComando(*this, u"CurrentY "_s + TextoFn(YVal));
     modulo4::PosicionaY(YVal);
 }
 
 void Impresora::CurrentX(const Variant& XVal) {
-    RegistraComando(u"CurrentX "_s + TextoFn(XVal));
+    RegistraComando(*this, u"CurrentX "_s + TextoFn(XVal));
     modulo4::PosicionaX(XVal);
 }
 
 void Impresora::EstableceFuente(const Variant& strFuente, const Variant& Size) {
     const QString nombre = CStr(strFuente);
     const QString comando = u"EstableceFuente "_s + Entrecomillado(nombre) + u',' + TextoFn(Size);
-    RegistraComando(comando, 0, 0, {}, nombre, CDbl(Size));
+    RegistraComando(*this, comando, 0, 0, {}, nombre, CDbl(Size));
     modulo4::AsignaFuente(strFuente);
     modulo4::AsignaTamano(Size);
 }
 
 void Impresora::FontBold(const Variant& Bold) {
     const QString comando = EsVerdadero(Bold) ? u"FontBold True"_s : u"FontBold False"_s;
-    RegistraComando(comando, 0, 0, {}, {}, 0, CBool(Bold), false);
+    RegistraComando(*this, comando, 0, 0, {}, {}, 0, CBool(Bold), false);
     modulo4::AsignaNegrita(Bold);
 }
 
 void Impresora::FontITalic(const Variant& Italic) {
     const QString comando = EsVerdadero(Italic) ? u"FontItalic True"_s : u"FontItalic False"_s;
-    RegistraComando(comando, 0, 0, {}, {}, 0, false, CBool(Italic));
+    RegistraComando(*this, comando, 0, 0, {}, {}, 0, false, CBool(Italic));
     modulo4::AsignaCursiva(Italic);
 }
 
 void Impresora::FuenteTransparente(const Variant& bolTrans) {
-    RegistraComando(u"FuenteTransparente False"_s);
+    RegistraComando(*this, u"FuenteTransparente False"_s);
     modulo4::AsignaTransparencia(bolTrans);
 }
 
 void Impresora::ColorDeFuente(const Variant& nColor) {
-    RegistraComando(u"ColorDeFuente "_s + CStr(nColor));
+    RegistraComando(*this, u"ColorDeFuente "_s + CStr(nColor));
     modulo4::AsignaColor(nColor);
 }
 

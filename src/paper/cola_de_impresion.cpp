@@ -1,4 +1,5 @@
 #include "paper/cola_de_impresion.h"
+#include "runtime/unidades.h"
 
 #include <QPageSize>
 #include <QPrinterInfo>
@@ -10,7 +11,7 @@
 
 #include "kaloimpresora/automatizacion.h"
 #include "kaloimpresora/impresoras.h"
-#include "target/aplicacion.h"
+#include "runtime/aplicacion.h"
 
 namespace kalo::cola {
 
@@ -27,7 +28,6 @@ constexpr qsizetype kPosicionDeTamano = 36;             // dmSize
 constexpr qsizetype kPosicionDeExtra = 38;              // dmDriverExtra
 constexpr uint16_t kVersionDeAjustes = 0x0320;
 constexpr double kMilesimasPorPulgada = 25400;
-constexpr double kTwipsPorPulgada = 1440;
 // The largest page a PDF page can be: the limit for a device that states none.
 constexpr int32_t kHojaMayorPredeterminada = 200 * 25400;
 

@@ -1,4 +1,7 @@
 #include "paper/impresion_nt.h"
+
+#include "kaloimpresora/impresora.h"
+#include "runtime/unidades.h"
 #include "runtime/ignora.h"
 
 #include <QtEndian>
@@ -12,7 +15,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int16_t kPulgadas = 5;
 constexpr int16_t kMilimetros = 6;
 
 // A size in the printer's current unit, in thousandths of a millimetre. The
@@ -48,7 +50,7 @@ QByteArray CampoDeNombre(const QString& nombre) {
 void AjustaPapel(int16_t codigo, int32_t propietario, double ancho, double alto, const QString& estilo) {
     [[maybe_unused]] Variant modoAnterior;  // read as it always was, never used again
     Ignora([&] { modoAnterior = ImpresoraActual()->Lee(u"ScaleMode"_s); });
-    Ignora([&] { ImpresoraActual()->Asigna(u"ScaleMode"_s, kPulgadas); });
+    Ignora([&] { ImpresoraActual()->Asigna(u"ScaleMode"_s, escala::kPulgadas); });
     if (codigo == kPapelDeUsuario) {
         // Twips per inch of the sheet as it is, times the inches asked for.
         const auto escala = [](const QString& lado, const QString& escalaDelLado, double pulgadas) {
@@ -72,7 +74,7 @@ void EstableceOrientacion(int16_t orientacion) {
 }
 
 void AplicaFormaNT(int32_t propietario, int32_t alto, int32_t ancho, const QString& estilo) {
-    SeleccionaForma(u"Tiendanova_"_s + estilo, propietario, alto, ancho);
+    SeleccionaForma(QString::fromUtf16(kEstiloPredeterminado) + u'_' + estilo, propietario, alto, ancho);
 }
 
 void AplicaFormaALaHoja(int32_t propietario, const QString& estilo) {

@@ -5,7 +5,7 @@
 #include <QPushButton>
 #include <vector>
 
-#include "target/aplicacion.h"
+#include "runtime/aplicacion.h"
 
 namespace kalo {
 

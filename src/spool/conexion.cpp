@@ -39,7 +39,7 @@ void ConexionDeReporte::Cierra() {
 
 void ConexionDeReporte::Falla(const QString& que) const {
     const QString mensaje = bd_ ? QString::fromUtf8(sqlite3_errmsg(bd_)) : u"no hay conexión abierta"_s;
-    throw ErrorDeAutomatizacion(kErrorDeBaseDeDatos, u"Error del archivo de reporte: "_s + mensaje,
+    throw ErrorDeAutomatizacion(err::kErrorDeBaseDeDatos, u"Error del archivo de reporte: "_s + mensaje,
                                 u"ConexionDeReporte."_s + que);
 }
 
@@ -55,7 +55,7 @@ sqlite3_stmt* ConexionDeReporte::Prepara(const QString& sql) {
     for (; resto && *resto; ++resto) {
         if (*resto != ' ' && *resto != '\t' && *resto != '\r' && *resto != '\n' && *resto != ';') {
             sqlite3_finalize(sentencia);
-            throw ErrorDeAutomatizacion(kErrorDeBaseDeDatos,
+            throw ErrorDeAutomatizacion(err::kErrorDeBaseDeDatos,
                                         u"Error del archivo de reporte: se admite una sola sentencia"_s,
                                         u"ConexionDeReporte.Ejecuta"_s);
         }
@@ -122,10 +122,6 @@ const Interfaz<ConexionDeReporte>& InterfazConexion() {
 
 }  // namespace
 
-int32_t ConexionDeReporte::IdDeNombre(const QString& nombre) const { return InterfazConexion().IdDeNombre(nombre); }
-
-Variant ConexionDeReporte::Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) {
-    return InterfazConexion().Invoca(*this, dispid, tipo, argumentos);
-}
+const TablaDeMiembros& ConexionDeReporte::Tabla() { return InterfazConexion(); }
 
 }  // namespace kalo

@@ -13,11 +13,7 @@ struct sqlite3_stmt;
 
 namespace kalo {
 
-// Error number of a failed spool-file operation (the runtime's range for
-// errors of objects).
-inline constexpr int32_t kErrorDeBaseDeDatos = -2147221504 + 1001;
-
-class ConexionDeReporte : public Objeto {
+class ConexionDeReporte : public ConTabla<ConexionDeReporte> {
 public:
     ConexionDeReporte() = default;
     ~ConexionDeReporte() override;
@@ -36,8 +32,7 @@ public:
     // Folds the write-ahead log into the file so the file alone is complete.
     void Consolida();
 
-    int32_t IdDeNombre(const QString& nombre) const override;
-    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) override;
+    static const TablaDeMiembros& Tabla();
 
 private:
     [[noreturn]] void Falla(const QString& que) const;

@@ -264,7 +264,7 @@ void LectorDeReporte::Falla(const QString& que) const {
     sqlite3_close(bd_);
     const_cast<LectorDeReporte*>(this)->consulta_ = nullptr;
     const_cast<LectorDeReporte*>(this)->bd_ = nullptr;
-    throw ErrorDeAutomatizacion(kErrorDeBaseDeDatos, mensaje, u"LectorDeReporte"_s);
+    throw ErrorDeAutomatizacion(err::kErrorDeBaseDeDatos, mensaje, u"LectorDeReporte"_s);
 }
 
 bool LectorDeReporte::Siguiente(Renglon& renglon) {

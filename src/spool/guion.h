@@ -33,7 +33,7 @@ void EjecutaComando(Objeto& impresora, Comando& c);
 
 // Reads a spool file's rows one at a time in recording order, so memory stays
 // flat however long the report. Opening fails with ErrorDeAutomatizacion:
-// 53 for a missing file, kErrorDeBaseDeDatos when it is not a spool file.
+// 53 for a missing file, err::kErrorDeBaseDeDatos when it is not a spool file.
 class LectorDeReporte {
 public:
     struct Renglon {

@@ -68,7 +68,7 @@ public:
 
 private:
     [[noreturn]] void NoEsGuion() const {
-        throw ErrorDeAutomatizacion(kErrorDeBaseDeDatos,
+        throw ErrorDeAutomatizacion(err::kErrorDeBaseDeDatos,
                                     u"El archivo %1 no es un archivo de reporte ni un guion de texto (línea %2)"_s
                                         .arg(archivo_)
                                         .arg(numero_),

@@ -44,7 +44,7 @@ protected:
 };
 
 // A spool file (told by its content, not its name) or a UTF-8 text file with
-// one command per line. Raises 53 when missing, kErrorDeBaseDeDatos when it is
+// one command per line. Raises 53 when missing, err::kErrorDeBaseDeDatos when it is
 // neither (a database without the source table, a binary file).
 std::unique_ptr<FuenteDeGuion> AbreGuion(const QString& archivo);
 

@@ -3,7 +3,7 @@
 #include <QResizeEvent>
 
 #include "kaloimpresora/superficies.h"
-#include "target/aplicacion.h"
+#include "runtime/aplicacion.h"
 #include "target/superficie_imagen.h"
 
 namespace kalo {

@@ -50,17 +50,13 @@ int32_t Imagen::AltoHimetrico() const {
     return static_cast<int32_t>(std::lround(imagen_.height() * kHimetricoPorPulgada / ppp_));
 }
 
-int32_t Imagen::IdDeNombre(const QString& nombre) const { return InterfazImagen().IdDeNombre(nombre); }
-
-Variant Imagen::Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) {
-    return InterfazImagen().Invoca(*this, dispid, tipo, argumentos);
-}
+const TablaDeMiembros& Imagen::Tabla() { return InterfazImagen(); }
 
 std::shared_ptr<Imagen> CargaImagen(const QString& ruta) {
     if (ruta.isEmpty() || !QFileInfo(ruta).isFile()) Lanza(err::kArchivoNoEncontrado);
     QImageReader lector(ruta);
     QImage imagen = lector.read();
-    if (imagen.isNull()) Lanza(kErrorImagenNoValida);
+    if (imagen.isNull()) Lanza(err::kImagenNoValida);
     return std::make_shared<Imagen>(std::move(imagen));
 }
 

@@ -11,7 +11,7 @@
 
 namespace kalo {
 
-class Imagen : public Objeto {
+class Imagen : public ConTabla<Imagen> {
 public:
     explicit Imagen(QImage imagen, double puntosPorPulgada = 96);
 
@@ -21,8 +21,7 @@ public:
     int32_t AnchoHimetrico() const;
     int32_t AltoHimetrico() const;
 
-    int32_t IdDeNombre(const QString& nombre) const override;
-    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) override;
+    static const TablaDeMiembros& Tabla();
 
 private:
     QImage imagen_;
@@ -32,7 +31,5 @@ private:
 // Loads a picture file (any format Qt reads), as the runtime's LoadPicture:
 // 53 when the file does not exist, 481 when it is not a picture.
 std::shared_ptr<Imagen> CargaImagen(const QString& ruta);
-
-inline constexpr int32_t kErrorImagenNoValida = 481;
 
 }  // namespace kalo

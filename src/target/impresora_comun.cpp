@@ -1,4 +1,5 @@
 #include "target/impresora_comun.h"
+#include "runtime/unidades.h"
 
 #include <atomic>
 #include <cmath>
@@ -6,7 +7,7 @@
 #include <vector>
 
 #include "automation/interfaz.h"
-#include "target/aplicacion.h"
+#include "runtime/aplicacion.h"
 #include "target/miembros_lienzo.h"
 
 namespace kalo {
@@ -16,7 +17,6 @@ using T = TipoDato;
 
 namespace {
 
-constexpr double kTwipsPorPulgada = 1440;
 constexpr int16_t kHimetrico = 8;
 constexpr int16_t kCodigoDeUsuario = 256;  // the platform's code of a user-defined sheet
 
@@ -262,10 +262,6 @@ const Interfaz<I>& InterfazImpresora() {
 
 }  // namespace
 
-int32_t ImpresoraComun::IdDeNombre(const QString& nombre) const { return InterfazImpresora().IdDeNombre(nombre); }
-
-Variant ImpresoraComun::Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) {
-    return InterfazImpresora().Invoca(*this, dispid, tipo, argumentos);
-}
+const TablaDeMiembros& ImpresoraComun::Tabla() { return InterfazImpresora(); }
 
 }  // namespace kalo

@@ -27,12 +27,11 @@
 
 namespace kalo {
 
-class ImpresoraComun : public Objeto, public std::enable_shared_from_this<ImpresoraComun> {
+class ImpresoraComun : public ConTabla<ImpresoraComun>, public std::enable_shared_from_this<ImpresoraComun> {
 public:
     ~ImpresoraComun() override;
 
-    int32_t IdDeNombre(const QString& nombre) const override;
-    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) override;
+    static const TablaDeMiembros& Tabla();
 
     const QString& DeviceName() const { return nombre_; }
     Lienzo& lienzo() { return *lienzo_; }

@@ -1,9 +1,10 @@
 #include "target/impresora_de_imagenes.h"
+#include "runtime/unidades.h"
 
 #include <cmath>
 #include <utility>
 
-#include "target/aplicacion.h"
+#include "runtime/aplicacion.h"
 
 namespace kalo {
 
@@ -33,8 +34,8 @@ void ImpresoraDeImagenes::CambiaHoja(const QPageSize& hoja, QPageLayout::Orienta
 // The whole sheet as it lies, from its size in twips so that a sheet
 // defined in millimetres is not first rounded to whole points.
 QSize ImpresoraDeImagenes::AreaDibujable() const {
-    return {static_cast<int>(std::lround(Width() * ppp_ / 1440.0)),
-            static_cast<int>(std::lround(Height() * ppp_ / 1440.0))};
+    return {static_cast<int>(std::lround(Width() * ppp_ / kTwipsPorPulgada)),
+            static_cast<int>(std::lround(Height() * ppp_ / kTwipsPorPulgada))};
 }
 
 void ImpresoraDeImagenes::ComienzaPagina() {

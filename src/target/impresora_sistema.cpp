@@ -11,7 +11,7 @@
 #include <QTemporaryFile>
 #include <utility>
 
-#include "target/aplicacion.h"
+#include "runtime/aplicacion.h"
 
 namespace kalo {
 

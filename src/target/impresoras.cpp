@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "automation/interfaz.h"
-#include "target/aplicacion.h"
+#include "runtime/aplicacion.h"
 #include "target/impresora_sistema.h"
 
 namespace kalo {
@@ -18,7 +18,7 @@ using T = TipoDato;
 
 namespace {
 
-class Coleccion : public Objeto {
+class Coleccion : public ConTabla<Coleccion> {
 public:
     Coleccion() {
         const QList<QPrinterInfo> lista = QPrinterInfo::availablePrinters();
@@ -36,8 +36,7 @@ public:
         return impresora;
     }
 
-    int32_t IdDeNombre(const QString& nombre) const override;
-    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) override;
+    static const TablaDeMiembros& Tabla();
 
 private:
     std::vector<QPrinterInfo> destinos_;
@@ -57,11 +56,7 @@ const Interfaz<Coleccion>& InterfazColeccion() {
     return interfaz;
 }
 
-int32_t Coleccion::IdDeNombre(const QString& nombre) const { return InterfazColeccion().IdDeNombre(nombre); }
-
-Variant Coleccion::Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) {
-    return InterfazColeccion().Invoca(*this, dispid, tipo, argumentos);
-}
+const TablaDeMiembros& Coleccion::Tabla() { return InterfazColeccion(); }
 
 std::mutex& Cerrojo() {
     static std::mutex cerrojo;

@@ -1,4 +1,5 @@
 #include "target/lienzo.h"
+#include "runtime/unidades.h"
 
 #include <QPaintDevice>
 #include <QPainter>
@@ -6,13 +7,12 @@
 #include <numbers>
 
 #include "kaloimpresora/errores.h"
-#include "target/aplicacion.h"
+#include "runtime/aplicacion.h"
 
 namespace kalo {
 
 namespace {
 
-constexpr double kTwipsPorPulgada = 1440;
 constexpr double kDosPi = 2 * std::numbers::pi;
 
 // The pixel that holds a point; the small bias keeps 95.9999999 (a whole

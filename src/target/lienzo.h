@@ -32,19 +32,9 @@
 class QPainter;
 class QPaintDevice;
 
-namespace kalo {
+#include "runtime/unidades.h"
 
-// ScaleMode values.
-namespace escala {
-inline constexpr int16_t kUsuario = 0;
-inline constexpr int16_t kTwips = 1;
-inline constexpr int16_t kPuntos = 2;
-inline constexpr int16_t kPixeles = 3;
-inline constexpr int16_t kCaracteres = 4;  // 120 twips across, 240 down
-inline constexpr int16_t kPulgadas = 5;
-inline constexpr int16_t kMilimetros = 6;
-inline constexpr int16_t kCentimetros = 7;
-}  // namespace escala
+namespace kalo {
 
 // Flag bits of Line(banderas, ...), as the target layer and the Code 39 class
 // pass them (4 line, 20 box, 38 filled box in a colour, 30 and 46 relative).

@@ -19,11 +19,10 @@
 
 namespace kalo::miembros_lienzo {
 
-inline Parametro Requerido(const char16_t* nombre, TipoDato tipo) {
-    return {QString::fromUtf16(nombre), tipo, false, false, {}};
-}
+// The picture box's parameters are all by value.
+inline Parametro Requerido(const char16_t* nombre, TipoDato tipo) { return PorValor(QString::fromUtf16(nombre), tipo); }
 inline Parametro Opcional(const char16_t* nombre, TipoDato tipo = TipoDato::Variante) {
-    return {QString::fromUtf16(nombre), tipo, false, true, {}};
+    return kalo::Opcional(PorValor(QString::fromUtf16(nombre), tipo));
 }
 
 inline bool Omitido(const Variant& v) { return v.esFalta(); }
@@ -69,18 +68,12 @@ Miembro<Clase> PropL(const char16_t* nombre, int32_t id, TipoDato tipo, Leer lee
 // The Font object: a live view of its owner's font, so that setting Font.Size
 // changes what the next Print uses. It keeps the owner alive.
 template <class Clase>
-class Fuente : public Objeto {
+class Fuente : public ConTabla<Fuente<Clase>> {
 public:
     explicit Fuente(std::shared_ptr<Clase> dueno) : dueno_(std::move(dueno)) {}
     Lienzo& lienzo() { return dueno_->lienzo(); }
 
-    int32_t IdDeNombre(const QString& nombre) const override { return Tabla().IdDeNombre(nombre); }
-    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) override {
-        return Tabla().Invoca(*this, dispid, tipo, argumentos);
-    }
-
-private:
-    static const Interfaz<Fuente>& Tabla() {
+    static const TablaDeMiembros& Tabla() {
         using F = Fuente;
         using T = TipoDato;
         static const Interfaz<F> interfaz(
@@ -102,6 +95,7 @@ private:
         return interfaz;
     }
 
+private:
     std::shared_ptr<Clase> dueno_;
 };
 

@@ -1,4 +1,5 @@
 #include "target/modulo4.h"
+#include "runtime/unidades.h"
 #include "runtime/ignora.h"
 
 #include "kaloimpresora/impresoras.h"
@@ -9,7 +10,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int16_t kPulgadas = 5;
 
 // Member calls on a target that may be missing: a missing one is the
 // runtime's "object not set".
@@ -22,6 +22,20 @@ Variant Lee(const std::shared_ptr<Objeto>& o, const QString& propiedad) { return
 void Asigna(const std::shared_ptr<Objeto>& o, const QString& propiedad, Variant valor) {
     Destino(o).Asigna(propiedad, std::move(valor));
 }
+
+// A property of the open document's target: the printer is given the value
+// converted to its own property's type, the preview the value as it comes.
+// Each value is worked out only for the target that takes it.
+template <class ParaImpresora, class ParaVista>
+void Pon(const QString& propiedad, ParaImpresora paraImpresora, ParaVista paraVista,
+         const QString& propiedadDeVista = {}) {
+    if (UsaImpresora())
+        Asigna(ImpresoraActual(), propiedad, Variant(paraImpresora()));
+    else
+        Asigna(Estado().objDestino, propiedadDeVista.isEmpty() ? propiedad : propiedadDeVista, paraVista());
+}
+
+}  // namespace
 
 // Null or empty counts as false; so does anything that does not convert.
 bool UsaImpresora() {
@@ -36,8 +50,6 @@ bool UsaImpresora() {
 
 // The preview target when printing to it, the printer otherwise.
 std::shared_ptr<Objeto> Activo() { return UsaImpresora() ? ImpresoraActual() : Estado().objDestino; }
-
-}  // namespace
 
 EstadoDelDocumento& Estado() {
     thread_local EstadoDelDocumento estado;
@@ -55,7 +67,7 @@ void IniciaDestino(const std::shared_ptr<Objeto>& destino, const Variant& usaImp
     const auto impresora = ImpresoraActual();
     Variant guardado;
     Ignora([&] { guardado = Lee(impresora, u"ScaleMode"_s); });
-    Ignora([&] { Asigna(impresora, u"ScaleMode"_s, kPulgadas); });
+    Ignora([&] { Asigna(impresora, u"ScaleMode"_s, escala::kPulgadas); });
     Ignora([&] {
         e.nDesplazaX = (e.nAnchoForma - Variant(CSng(Lee(impresora, u"ScaleWidth"_s)))) / Variant(int16_t{2});
     });
@@ -66,7 +78,7 @@ void IniciaDestino(const std::shared_ptr<Objeto>& destino, const Variant& usaImp
 
     if (UsaImpresora()) {
         Ignora([&] { e.nScaleModeGuardado = Lee(impresora, u"ScaleMode"_s); });
-        Ignora([&] { Asigna(impresora, u"ScaleMode"_s, kPulgadas); });
+        Ignora([&] { Asigna(impresora, u"ScaleMode"_s, escala::kPulgadas); });
         // Opens the job now, so that even an empty document gives a page.
         Ignora([&] { Destino(impresora).Llama(u"Print"_s, {u""_s}); });
         return;
@@ -75,7 +87,7 @@ void IniciaDestino(const std::shared_ptr<Objeto>& destino, const Variant& usaImp
     e.objDestino = destino;
     const auto& d = e.objDestino;
     Ignora([&] { e.nScaleModeGuardado = Lee(d, u"ScaleMode"_s); });
-    Ignora([&] { Asigna(d, u"ScaleMode"_s, kPulgadas); });
+    Ignora([&] { Asigna(d, u"ScaleMode"_s, escala::kPulgadas); });
     Variant rH, rW;
     Ignora([&] { rH = Lee(d, u"ScaleHeight"_s) / e.nAltoForma; });
     Ignora([&] { rW = Lee(d, u"ScaleWidth"_s) / e.nAnchoForma; });
@@ -92,7 +104,7 @@ void IniciaDestino(const std::shared_ptr<Objeto>& destino, const Variant& usaImp
     std::shared_ptr<Objeto> contenedor;
     Ignora([&] { contenedor = Lee(d, u"Parent"_s).objeto(); });
     Ignora([&] { escalaDelContenedor = Lee(contenedor, u"ScaleMode"_s); });
-    Ignora([&] { Asigna(contenedor, u"ScaleMode"_s, kPulgadas); });
+    Ignora([&] { Asigna(contenedor, u"ScaleMode"_s, escala::kPulgadas); });
     if (masAncho)
         Ignora([&] { Asigna(d, u"Width"_s, e.nEscala * e.nAnchoForma); });
     else
@@ -107,39 +119,19 @@ void IniciaDestino(const std::shared_ptr<Objeto>& destino, const Variant& usaImp
 }
 
 void PosicionaX(const Variant& x) {
-    Ignora([&] {
-        if (UsaImpresora())
-            Asigna(ImpresoraActual(), u"CurrentX"_s, CSng(x - Estado().nDesplazaX));
-        else
-            Asigna(Estado().objDestino, u"CurrentX"_s, x);
-    });
+    Ignora([&] { Pon(u"CurrentX"_s, [&] { return CSng(x - Estado().nDesplazaX); }, [&] { return x; }); });
 }
 
 void PosicionaY(const Variant& y) {
-    Ignora([&] {
-        if (UsaImpresora())
-            Asigna(ImpresoraActual(), u"CurrentY"_s, CSng(y - Estado().nDesplazaY));
-        else
-            Asigna(Estado().objDestino, u"CurrentY"_s, y);
-    });
+    Ignora([&] { Pon(u"CurrentY"_s, [&] { return CSng(y - Estado().nDesplazaY); }, [&] { return y; }); });
 }
 
 void AsignaFuente(const Variant& nombre) {
-    Ignora([&] {
-        if (UsaImpresora())
-            Asigna(ImpresoraActual(), u"FontName"_s, CStr(nombre));
-        else
-            Asigna(Estado().objDestino, u"FontName"_s, nombre);
-    });
+    Ignora([&] { Pon(u"FontName"_s, [&] { return CStr(nombre); }, [&] { return nombre; }); });
 }
 
 void AsignaTamano(const Variant& tamano) {
-    Ignora([&] {
-        if (UsaImpresora())
-            Asigna(ImpresoraActual(), u"FontSize"_s, CSng(tamano));
-        else
-            Asigna(Estado().objDestino, u"FontSize"_s, tamano * Estado().nEscala);
-    });
+    Ignora([&] { Pon(u"FontSize"_s, [&] { return CSng(tamano); }, [&] { return tamano * Estado().nEscala; }); });
 }
 
 void ImprimeTexto(const Variant& texto) {
@@ -165,20 +157,12 @@ void TerminaDestino() {
 }
 
 void AsignaNegrita(const Variant& bandera) {
-    Ignora([&] {
-        if (UsaImpresora())
-            Asigna(ImpresoraActual(), u"FontBold"_s, CBool(bandera));
-        else
-            Asigna(Estado().objDestino, u"FontBold"_s, bandera);
-    });
+    Ignora([&] { Pon(u"FontBold"_s, [&] { return CBool(bandera); }, [&] { return bandera; }); });
 }
 
 void AsignaCursiva(const Variant& bandera) {
     // Unlike the other font routines, a failing target reaches the host.
-    if (UsaImpresora())
-        Asigna(ImpresoraActual(), u"FontItalic"_s, CBool(bandera));
-    else
-        Asigna(Estado().objDestino, u"FontITalic"_s, bandera);
+    Pon(u"FontItalic"_s, [&] { return CBool(bandera); }, [&] { return bandera; }, u"FontITalic"_s);
 }
 
 void AsignaCopias(const Variant& copias) {
@@ -198,12 +182,7 @@ void AsignaTransparencia(const Variant& bandera) {
 }
 
 void AsignaColor(const Variant& color) {
-    Ignora([&] {
-        if (UsaImpresora())
-            Asigna(ImpresoraActual(), u"ForeColor"_s, CLng(color));
-        else
-            Asigna(Estado().objDestino, u"ForeColor"_s, color);
-    });
+    Ignora([&] { Pon(u"ForeColor"_s, [&] { return CLng(color); }, [&] { return color; }); });
 }
 
 namespace {

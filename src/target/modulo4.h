@@ -26,6 +26,12 @@ struct EstadoDelDocumento {
 // The calling thread's document state.
 EstadoDelDocumento& Estado();
 
+// Whether the open document goes to the printer: Null, empty or anything
+// that does not convert counts as false.
+bool UsaImpresora();
+// The printer when printing, else the preview target.
+std::shared_ptr<Objeto> Activo();
+
 void IniciaDestino(const std::shared_ptr<Objeto>& destino, const Variant& usaImpresora, const Variant& ancho,
                    const Variant& alto);
 void PosicionaX(const Variant& x);

@@ -1,4 +1,5 @@
 #include "target/superficie_imagen.h"
+#include "runtime/unidades.h"
 
 #include <cmath>
 
@@ -79,11 +80,7 @@ const Interfaz<Contenedor>& InterfazContenedor() {
 
 }  // namespace
 
-int32_t Contenedor::IdDeNombre(const QString& nombre) const { return InterfazContenedor().IdDeNombre(nombre); }
-
-Variant Contenedor::Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) {
-    return InterfazContenedor().Invoca(*this, dispid, tipo, argumentos);
-}
+const TablaDeMiembros& Contenedor::Tabla() { return InterfazContenedor(); }
 
 // ---- SuperficieDeImagen: member table ----------------------------------------
 
@@ -174,8 +171,8 @@ double SuperficieDeImagen::TwipsPorUnidadDelContenedor(bool horizontal) {
         if (auto* padre = dynamic_cast<CajaDeImagen*>(caja_->parentWidget())) {
             auto* s = dynamic_cast<SuperficieDeImagen*>(padre->objeto().get());
             Lienzo& l = s->lienzo();
-            return horizontal ? 1440 / l.PppX() * std::abs(l.AnchoEnPixeles(1))
-                              : 1440 / l.PppY() * std::abs(l.AltoEnPixeles(1));
+            return horizontal ? kTwipsPorPulgada / l.PppX() * std::abs(l.AnchoEnPixeles(1))
+                              : kTwipsPorPulgada / l.PppY() * std::abs(l.AltoEnPixeles(1));
         }
     }
     const int16_t modo = contenedor_->scaleMode;
@@ -184,27 +181,27 @@ double SuperficieDeImagen::TwipsPorUnidadDelContenedor(bool horizontal) {
 }
 
 double SuperficieDeImagen::Width() {
-    return lienzo_.Pixeles().width() * 1440 / lienzo_.PppX() / TwipsPorUnidadDelContenedor(true);
+    return lienzo_.Pixeles().width() * kTwipsPorPulgada / lienzo_.PppX() / TwipsPorUnidadDelContenedor(true);
 }
 
 double SuperficieDeImagen::Height() {
-    return lienzo_.Pixeles().height() * 1440 / lienzo_.PppY() / TwipsPorUnidadDelContenedor(false);
+    return lienzo_.Pixeles().height() * kTwipsPorPulgada / lienzo_.PppY() / TwipsPorUnidadDelContenedor(false);
 }
 
 double SuperficieDeImagen::Left() {
     const int px = caja_ ? caja_->x() : posicion_.x();
-    return px * 1440 / lienzo_.PppX() / TwipsPorUnidadDelContenedor(true);
+    return px * kTwipsPorPulgada / lienzo_.PppX() / TwipsPorUnidadDelContenedor(true);
 }
 
 double SuperficieDeImagen::Top() {
     const int px = caja_ ? caja_->y() : posicion_.y();
-    return px * 1440 / lienzo_.PppY() / TwipsPorUnidadDelContenedor(false);
+    return px * kTwipsPorPulgada / lienzo_.PppY() / TwipsPorUnidadDelContenedor(false);
 }
 
 namespace {
 
 int APixelesEnteros(double valor, double twipsPorUnidad, double ppp) {
-    const double px = std::round(valor * twipsPorUnidad * ppp / 1440);
+    const double px = std::round(valor * twipsPorUnidad * ppp / kTwipsPorPulgada);
     if (!std::isfinite(px) || std::abs(px) > 32767) Lanza(err::kValorDePropiedadNoValido);
     return static_cast<int>(px);
 }
@@ -240,19 +237,16 @@ void SuperficieDeImagen::CambiaTamano(QSize pixeles) {
 }
 
 void SuperficieDeImagen::GuardaImagen(const QString& ruta) {
-    constexpr int32_t kErrorDeAccesoALaRuta = 75;
-    if (ruta.isEmpty() || !lienzo_.Imagen().save(ruta, "PNG")) Lanza(kErrorDeAccesoALaRuta);
+    if (ruta.isEmpty() || !lienzo_.Imagen().save(ruta, "PNG")) Lanza(err::kAccesoARutaOArchivo);
 }
 
-int32_t SuperficieDeImagen::IdDeNombre(const QString& nombre) const {
-    return InterfazSuperficie().IdDeNombre(nombre);
-}
+const TablaDeMiembros& SuperficieDeImagen::Tabla() { return InterfazSuperficie(); }
 
 Variant SuperficieDeImagen::Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) {
     // A hidden widget gets its resize event only when shown; its size is
     // already the one to draw on.
     if (caja_ && caja_->size() != lienzo_.Pixeles()) lienzo_.Redimensiona(caja_->size());
-    return InterfazSuperficie().Invoca(*this, dispid, tipo, argumentos);
+    return ConTabla::Invoca(dispid, tipo, argumentos);
 }
 
 std::shared_ptr<Objeto> CreaSuperficieDeImagen(int anchoPixeles, int altoPixeles, double puntosPorPulgada) {

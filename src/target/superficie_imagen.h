@@ -40,15 +40,14 @@ private:
 
 // The container a surface reports as its Parent when it has no better one:
 // only its ScaleMode is used.
-class Contenedor : public Objeto {
+class Contenedor : public ConTabla<Contenedor> {
 public:
     int16_t scaleMode = 1;
 
-    int32_t IdDeNombre(const QString& nombre) const override;
-    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) override;
+    static const TablaDeMiembros& Tabla();
 };
 
-class SuperficieDeImagen : public Objeto, public std::enable_shared_from_this<SuperficieDeImagen> {
+class SuperficieDeImagen : public ConTabla<SuperficieDeImagen>, public std::enable_shared_from_this<SuperficieDeImagen> {
 public:
     SuperficieDeImagen(QSize pixeles, double puntosPorPulgada);
 
@@ -70,7 +69,7 @@ public:
     void Top(double valor);
     void GuardaImagen(const QString& ruta);
 
-    int32_t IdDeNombre(const QString& nombre) const override;
+    static const TablaDeMiembros& Tabla();
     Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) override;
 
 private:

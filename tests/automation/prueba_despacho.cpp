@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "automation/interfaces.h"
+#include "automation/interfaz.h"
 #include "comun/utilerias_de_prueba.h"
 #include "kaloimpresora/impresora.h"
 #include "kaloimpresora/paramdata.h"
@@ -75,8 +75,8 @@ void CompruebaEnlaces(const Interfaz<Clase>& interfaz, const Enlace (&esperados)
 }
 
 TEST(Despacho, NombresEIdsSiguenLaInterfazPublicada) {
-    CompruebaEnlaces(InterfazImpresora(), kImpresora);
-    CompruebaEnlaces(InterfazParamData(), kParamData);
+    CompruebaEnlaces(InterfazDe<Impresora>(), kImpresora);
+    CompruebaEnlaces(InterfazDe<ParamData>(), kParamData);
 }
 
 TEST(Despacho, NombresDesconocidosYIdsDesconocidos) {
@@ -174,7 +174,7 @@ TEST(Despacho, MiembroAunNoDisponibleFallaConClaridad) {
 TEST(Despacho, OpcionalesOmitidosTomanSuValorPredeterminado) {
     auto ranuras = [](const char* nombre, std::vector<Variant> dados) {
         const int32_t id = Impresora().IdDeNombre(QString::fromLatin1(nombre));
-        return PreparaArgumentos(InterfazImpresora().PorId(id)->parametros, dados);
+        return PreparaArgumentos(InterfazDe<Impresora>().PorId(id)->parametros, dados);
     };
     auto bar = ranuras("Bar128", {int16_t{40}, "A1", 0, 0, 1, 1});
     ASSERT_EQ(bar.size(), 7u);

@@ -18,7 +18,7 @@
 #include "comun/utilerias_de_prueba.h"
 #include "kaloimpresora/mensajes.h"
 #include "kaloimpresora/superficies.h"
-#include "target/aplicacion.h"
+#include "runtime/aplicacion.h"
 #include "target/imagen.h"
 
 using namespace kalo;

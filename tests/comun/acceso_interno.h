@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kaloimpresora/impresora.h"
+#include "core/privado.h"
 
 namespace kalo {
 
@@ -9,9 +9,9 @@ struct AccesoInterno {
     static void RegistraComando(Impresora& imp, const QString& source, double nrow = 0, double ncol = 0,
                                 const QString& contenido = {}, const QString& fuente = {}, double fsize = 0,
                                 bool bold = false, bool italic = false) {
-        imp.RegistraComando(source, nrow, ncol, contenido, fuente, fsize, bold, italic);
+        kalo::RegistraComando(imp, source, nrow, ncol, contenido, fuente, fsize, bold, italic);
     }
-    static QString TextoFn(Impresora& imp, const Variant& v) { return imp.TextoFn(v); }
+    static QString TextoFn(Impresora&, const Variant& v) { return kalo::TextoFn(v); }
 };
 
 }  // namespace kalo

@@ -1,6 +1,6 @@
 # libFuzzer target for the script parser, built with clang beside the g++
 # build: the parser's own source is compiled instrumented, the rest comes
-# from the library. ctest runs the corpus once; long runs are by hand:
+# from the internal library. ctest runs the corpus once; long runs are by hand:
 #   build/tests/fuzz_guion -max_total_time=600 tests/fuzz/corpus
 find_program(KALO_CLANGXX NAMES clang++ clang++-14)
 if(NOT KALO_CLANGXX)
@@ -25,10 +25,10 @@ add_custom_command(
     -I${PROJECT_SOURCE_DIR}/include -I${PROJECT_SOURCE_DIR}/src
     "-I$<JOIN:$<TARGET_PROPERTY:Qt6::Core,INTERFACE_INCLUDE_DIRECTORIES>,;-I>"
     ${KALO_FUZZ_FUENTES}
-    $<TARGET_FILE:kaloimpresora> $<TARGET_FILE:Qt6::Core> -lsqlite3
-    -Wl,-rpath,$<TARGET_FILE_DIR:kaloimpresora>
+    $<TARGET_FILE:kaloimpresora_interno> $<TARGET_FILE:Qt6::PrintSupport> $<TARGET_FILE:Qt6::Widgets>
+    $<TARGET_FILE:Qt6::Gui> $<TARGET_FILE:Qt6::Core> -lsqlite3 -lcups -lzint -ldl
     -o ${KALO_FUZZ_BIN}
-  DEPENDS ${KALO_FUZZ_FUENTES} kaloimpresora ${PROJECT_SOURCE_DIR}/src/spool/guion.h
+  DEPENDS ${KALO_FUZZ_FUENTES} kaloimpresora_interno ${PROJECT_SOURCE_DIR}/src/spool/guion.h
   COMMAND_EXPAND_LISTS
   VERBATIM
   COMMENT "Fuzz target of the script parser (clang, libFuzzer)")

@@ -221,8 +221,8 @@ TEST(GuionLector, ArchivosQueNoSonReportesSeNombranEnElError) {
         const char16_t* mensaje;
     } casos[] = {
         {dir.filePath(u"no_existe.rep"_s), err::kArchivoNoEncontrado, u"No se encuentra"},
-        {basura, kErrorDeBaseDeDatos, u"no es un archivo de reporte"},
-        {sinTabla, kErrorDeBaseDeDatos, u"le falta la tabla source"},
+        {basura, err::kErrorDeBaseDeDatos, u"no es un archivo de reporte"},
+        {sinTabla, err::kErrorDeBaseDeDatos, u"le falta la tabla source"},
     };
     for (const auto& c : casos) {
         SCOPED_TRACE(c.archivo.toStdString());

@@ -10,7 +10,7 @@
 
 #include "comun/utilerias_de_prueba.h"
 #include "kaloimpresora/superficies.h"
-#include "target/aplicacion.h"
+#include "runtime/aplicacion.h"
 #include "target/imagen.h"
 #include "target/lienzo.h"
 #include <QPainter>

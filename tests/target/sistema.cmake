@@ -7,8 +7,8 @@ target_sources(pruebas PRIVATE ${CMAKE_CURRENT_LIST_DIR}/prueba_impresora_sistem
 # runs apart.
 set(KALO_DIR_CUPS ${CMAKE_CURRENT_LIST_DIR}/../cups)
 add_executable(pruebas_cups ${KALO_DIR_CUPS}/prueba_impresora_cups.cpp)
-target_include_directories(pruebas_cups PRIVATE ${CMAKE_CURRENT_LIST_DIR}/.. ${PROJECT_SOURCE_DIR}/src)
-target_link_libraries(pruebas_cups PRIVATE kaloimpresora GTest::gtest PkgConfig::ZBAR)
+target_include_directories(pruebas_cups PRIVATE ${CMAKE_CURRENT_LIST_DIR}/..)
+target_link_libraries(pruebas_cups PRIVATE KaloImpresora::interno GTest::gtest PkgConfig::ZBAR)
 target_compile_definitions(pruebas_cups PRIVATE
   KALO_SCRIPT_CUPS="${KALO_DIR_CUPS}/servidor_cups.sh"
   KALO_PPD_DE_PRUEBA="${KALO_DIR_CUPS}/prueba.ppd")

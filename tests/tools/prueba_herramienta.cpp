@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "cups/herramientas_pdf.h"
-#include "target/aplicacion.h"
+#include "runtime/aplicacion.h"
 #include "visor.h"
 
 using namespace Qt::StringLiterals;

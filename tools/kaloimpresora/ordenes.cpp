@@ -13,7 +13,7 @@
 #include "kaloimpresora/impresoras.h"
 #include "spool/conexion.h"
 #include "spool/reproduccion.h"
-#include "target/aplicacion.h"
+#include "runtime/aplicacion.h"
 #include "target/impresora_de_imagenes.h"
 #include "target/impresora_sistema.h"
 #include "visor.h"
@@ -94,7 +94,7 @@ int ConArchivo(const QString& archivo, F&& trabajo) {
         return trabajo();
     } catch (const ErrorDeAutomatizacion& e) {
         const bool delArchivo = e.numero() == err::kArchivoNoEncontrado || e.numero() == err::kAccesoARutaOArchivo ||
-                                e.numero() == kErrorDeBaseDeDatos;
+                                e.numero() == err::kErrorDeBaseDeDatos;
         return Falla(delArchivo ? salida::kArchivo : salida::kDestino, e.descripcion());
     }
 }

@@ -15,7 +15,7 @@
 #include <QToolBar>
 #include <algorithm>
 
-#include "target/aplicacion.h"
+#include "runtime/aplicacion.h"
 #include "target/impresora_de_imagenes.h"
 #include "target/impresora_sistema.h"
 

@@ -1,4 +1,4 @@
-#include "target/aplicacion.h"
+#include "runtime/aplicacion.h"
 
 #include <QApplication>
 #include <QGuiApplication>

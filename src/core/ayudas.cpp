@@ -3,7 +3,7 @@
 
 #include <QChar>
 
-#include "kaloimpresora/impresora.h"
+#include "core/privado.h"
 #include "kaloimpresora/utilerias.h"
 #include "text/aleatorio.h"
 #include "text/formato.h"

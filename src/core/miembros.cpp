@@ -2,7 +2,7 @@
 // id, kind and parameters. Ids of 0x4003nnnn are data properties, 0x6003nnnn
 // methods, 0x6803nnnn property procedures; gaps belong to private members.
 
-#include "automation/interfaces.h"
+#include "automation/interfaz.h"
 #include "kaloimpresora/impresora.h"
 
 namespace kalo {
@@ -13,14 +13,6 @@ using namespace Qt::StringLiterals;
 using T = TipoDato;
 using M = Miembro<Impresora>;
 using Ranuras = std::span<Variant>;
-
-Parametro PorRef(QString nombre, TipoDato tipo = T::Variante) { return {std::move(nombre), tipo, true, false, {}}; }
-Parametro PorValor(QString nombre, TipoDato tipo = T::Variante) { return {std::move(nombre), tipo, false, false, {}}; }
-Parametro Opcional(Parametro p, std::optional<Variant> omision = {}) {
-    p.opcional = true;
-    p.omision = std::move(omision);
-    return p;
-}
 
 // A method without arguments or result.
 std::function<Variant(Impresora&, Ranuras)> Accion(void (Impresora::*metodo)()) {
@@ -175,7 +167,7 @@ std::vector<M> Miembros() {
     metodo(u"PaperSize", 0x60030030, T::Ninguno,
            {PorRef(u"nTipo"_s, T::Entero), Opcional(PorRef(u"nW"_s, T::Doble), Variant(0.0)),
             Opcional(PorRef(u"nH"_s, T::Doble), Variant(0.0)),
-            Opcional(PorRef(u"strestilo"_s, T::Texto), Variant(u"Tiendanova"_s))},
+            Opcional(PorRef(u"strestilo"_s, T::Texto), Variant(QString::fromUtf16(kEstiloPredeterminado)))},
            [](Impresora& o, Ranuras a) { o.PaperSize(a[0].entero(), a[1].doble(), a[2].doble(), a[3].texto()); return Variant(); });
     metodo(u"RestauraPapel", 0x60030031, T::Ninguno, {}, Accion(&Impresora::RestauraPapel));
     metodo(u"strLinea", 0x60030032, T::Texto, {PorRef(u"cString"_s), PorRef(u"nLinea"_s)},
@@ -249,18 +241,11 @@ std::vector<M> Miembros() {
     return m;
 }
 
-
 }  // namespace
 
-const Interfaz<Impresora>& InterfazImpresora() {
+const TablaDeMiembros& Impresora::Tabla() {
     static const Interfaz<Impresora> interfaz(u"Impresora"_s, Miembros());
     return interfaz;
-}
-
-int32_t Impresora::IdDeNombre(const QString& nombre) const { return InterfazImpresora().IdDeNombre(nombre); }
-
-Variant Impresora::Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) {
-    return InterfazImpresora().Invoca(*this, dispid, tipo, argumentos);
 }
 
 }  // namespace kalo
