@@ -220,46 +220,32 @@ const Interfaz<Clase>& InterfazDe() {
     return static_cast<const Interfaz<Clase>&>(Clase::Tabla());
 }
 
-// Builders for table entries backed by a data member of the class.
+// Builders for table entries.
+// A property whose get and let go through the class's own procedures.
+template <class Clase>
+Miembro<Clase> PropiedadConProcedimientos(QString nombre, int32_t dispid, TipoDato tipo,
+                                          std::function<Variant(Clase&)> lee,
+                                          std::function<void(Clase&, const Variant&)> asigna) {
+    Miembro<Clase> m{std::move(nombre), dispid, ClaseDeMiembro::PropiedadValor, tipo, {}, std::move(lee),
+                     std::move(asigna), {}};
+    return m;
+}
+
+// A property backed by a data member; an object-typed one is assigned with Set.
 template <class Clase, class Campo>
 Miembro<Clase> Propiedad(QString nombre, int32_t dispid, TipoDato tipo, Campo Clase::*campo) {
-    Miembro<Clase> m;
-    m.nombre = std::move(nombre);
-    m.dispid = dispid;
-    m.tipo = tipo;
-    m.clase = (tipo == TipoDato::Objeto || tipo == TipoDato::ParamData) ? ClaseDeMiembro::PropiedadObjeto
-                                                                        : ClaseDeMiembro::PropiedadValor;
-    m.lee = [campo, tipo](Clase& o) { return AVariant(o.*campo, tipo); };
-    m.asigna = [campo](Clase& o, const Variant& v) { DeVariant(v, o.*campo); };
+    Miembro<Clase> m = PropiedadConProcedimientos<Clase>(
+        std::move(nombre), dispid, tipo, [campo, tipo](Clase& o) { return AVariant(o.*campo, tipo); },
+        [campo](Clase& o, const Variant& v) { DeVariant(v, o.*campo); });
+    if (tipo == TipoDato::Objeto || tipo == TipoDato::ParamData) m.clase = ClaseDeMiembro::PropiedadObjeto;
     return m;
 }
 
 template <class Clase>
 Miembro<Clase> Metodo(QString nombre, int32_t dispid, TipoDato resultado, std::vector<Parametro> parametros,
                       std::function<Variant(Clase&, std::span<Variant>)> llama = {}) {
-    Miembro<Clase> m;
-    m.nombre = std::move(nombre);
-    m.dispid = dispid;
-    m.clase = ClaseDeMiembro::Metodo;
-    m.tipo = resultado;
-    m.parametros = std::move(parametros);
-    m.llama = std::move(llama);
-    return m;
-}
-
-// A property whose get and let go through the class's own procedures.
-template <class Clase>
-Miembro<Clase> PropiedadConProcedimientos(QString nombre, int32_t dispid, TipoDato tipo,
-                                          std::function<Variant(Clase&)> lee,
-                                          std::function<void(Clase&, const Variant&)> asigna) {
-    Miembro<Clase> m;
-    m.nombre = std::move(nombre);
-    m.dispid = dispid;
-    m.clase = ClaseDeMiembro::PropiedadValor;
-    m.tipo = tipo;
-    m.lee = std::move(lee);
-    m.asigna = std::move(asigna);
-    return m;
+    return {std::move(nombre), dispid, ClaseDeMiembro::Metodo, resultado, std::move(parametros), {}, {},
+            std::move(llama)};
 }
 
 }  // namespace kalo

@@ -15,23 +15,28 @@ namespace {
 
 QString Verdad(bool b) { return b ? u"True"_s : u"False"_s; }
 
-template <class Pide>
-void PintaCodigo(Pide&& pideImagen, const Variant& pLeft, const Variant& pTop, const Variant& pWidth,
-                 const Variant& pHeight) {
-    Variant imagen = Variant::Nada();
-    try {
-        imagen = Variant(pideImagen(UtileriasCompartidas()));
-    } catch (...) {
-        // No picture: the target is asked anyway and its failure ignored.
-    }
-    modulo4::PintaImagen(imagen, pLeft, pTop, pWidth, pHeight);
-}
-
 // The part that the picture barcodes' commands share.
 QString ComandoDeBarras(const QString& palabra, int16_t altoDeBarra, const QString& barData, const Variant& pLeft,
                         const Variant& pTop, const Variant& pWidth, const Variant& pHeight) {
     return palabra + u' ' + TextoFn(Variant(altoDeBarra)) + u",\""_s + barData + u"\","_s + TextoFn(pLeft) +
            u',' + TextoFn(pTop) + u',' + TextoFn(pWidth) + u',' + TextoFn(pHeight);
+}
+
+// Records a picture barcode's command, then paints the utility object's
+// picture of the symbol; with no picture the target is asked anyway and its
+// failure ignored.
+template <class Pide>
+void PintaBarras(Impresora& imp, const QString& palabra, const QString& banderas, int16_t altoDeBarra,
+                 const QString& barData, const Variant& pLeft, const Variant& pTop, const Variant& pWidth,
+                 const Variant& pHeight, Pide&& pide) {
+    RegistraComando(imp, ComandoDeBarras(palabra, altoDeBarra, barData, pLeft, pTop, pWidth, pHeight) + banderas);
+    Variant imagen = Variant::Nada();
+    try {
+        QString datos = barData;
+        imagen = Variant(pide(UtileriasCompartidas(), altoDeBarra, datos));
+    } catch (...) {
+    }
+    modulo4::PintaImagen(imagen, pLeft, pTop, pWidth, pHeight);
 }
 
 // An omitted optional argument takes its declared default.
@@ -47,42 +52,28 @@ QString TextoDeBandera(const Variant& v) { return !v.esNulo() && CBool(v) ? u"Tr
 
 void Impresora::Bar128(int16_t altoDeBarra, const QString& barData, const Variant& pLeft, const Variant& pTop,
                        const Variant& pWidth, const Variant& pHeight, bool incluyeHR) {
-    RegistraComando(*this, ComandoDeBarras(u"Bar128"_s, altoDeBarra, barData, pLeft, pTop, pWidth, pHeight) + u',' +
-                    Verdad(incluyeHR));
-    PintaCodigo([&](Utilerias& u) {
-        QString datos = barData;
-        return u.ImagenBar128(altoDeBarra, datos, incluyeHR);
-    }, pLeft, pTop, pWidth, pHeight);
+    PintaBarras(*this, u"Bar128"_s, u',' + Verdad(incluyeHR), altoDeBarra, barData, pLeft, pTop, pWidth, pHeight,
+                [&](Utilerias& u, int16_t& alto, QString& datos) { return u.ImagenBar128(alto, datos, incluyeHR); });
 }
 
 void Impresora::Bar3de9(int16_t altoDeBarra, const QString& barData, const Variant& pLeft, const Variant& pTop,
                         const Variant& pWidth, const Variant& pHeight, bool checkSum, bool incluyeHR) {
-    RegistraComando(*this, ComandoDeBarras(u"Bar3de9"_s, altoDeBarra, barData, pLeft, pTop, pWidth, pHeight) + u',' +
-                    Verdad(checkSum) + u',' + Verdad(incluyeHR));
-    PintaCodigo([&](Utilerias& u) {
-        QString datos = barData;
-        return u.ImagenBar3de9(altoDeBarra, datos, checkSum, incluyeHR);
-    }, pLeft, pTop, pWidth, pHeight);
+    PintaBarras(*this, u"Bar3de9"_s, u',' + Verdad(checkSum) + u',' + Verdad(incluyeHR), altoDeBarra, barData, pLeft,
+                pTop, pWidth, pHeight, [&](Utilerias& u, int16_t& alto, QString& datos) {
+                    return u.ImagenBar3de9(alto, datos, checkSum, incluyeHR);
+                });
 }
 
 void Impresora::BarEAN13(int16_t altoDeBarra, const QString& barData, const Variant& pLeft, const Variant& pTop,
                          const Variant& pWidth, const Variant& pHeight, bool incluyeHR) {
-    RegistraComando(*this, ComandoDeBarras(u"BarEAN13"_s, altoDeBarra, barData, pLeft, pTop, pWidth, pHeight) + u',' +
-                    Verdad(incluyeHR));
-    PintaCodigo([&](Utilerias& u) {
-        QString datos = barData;
-        return u.ImagenBarEAN13(altoDeBarra, datos, incluyeHR);
-    }, pLeft, pTop, pWidth, pHeight);
+    PintaBarras(*this, u"BarEAN13"_s, u',' + Verdad(incluyeHR), altoDeBarra, barData, pLeft, pTop, pWidth, pHeight,
+                [&](Utilerias& u, int16_t& alto, QString& datos) { return u.ImagenBarEAN13(alto, datos, incluyeHR); });
 }
 
 void Impresora::BarEAN8(int16_t altoDeBarra, const QString& barData, const Variant& pLeft, const Variant& pTop,
                         const Variant& pWidth, const Variant& pHeight, bool incluyeHR) {
-    RegistraComando(*this, ComandoDeBarras(u"BarEAN8"_s, altoDeBarra, barData, pLeft, pTop, pWidth, pHeight) + u',' +
-                    Verdad(incluyeHR));
-    PintaCodigo([&](Utilerias& u) {
-        QString datos = barData;
-        return u.ImagenBarEAN8(altoDeBarra, datos, incluyeHR);
-    }, pLeft, pTop, pWidth, pHeight);
+    PintaBarras(*this, u"BarEAN8"_s, u',' + Verdad(incluyeHR), altoDeBarra, barData, pLeft, pTop, pWidth, pHeight,
+                [&](Utilerias& u, int16_t& alto, QString& datos) { return u.ImagenBarEAN8(alto, datos, incluyeHR); });
 }
 
 void Impresora::Codigo39(const Variant& x, const Variant& y, const Variant& xNarrow, const Variant& yHeight,
