@@ -189,6 +189,30 @@ TEST(Formato, PatronesDeFecha) {
     EXPECT_EQ(Texto(Formato(kMartes, "dd/mm/yy hh:nn")), "05.03.24 14:07");
 }
 
+// A time that rounds up to 24:00 is 00:00 of the next calendar day, which
+// before the base date is the day nearer to it; CStr and Format agree.
+TEST(Formato, FechasQueRedondeanAMedianoche) {
+    ConLocal local("en_US");
+    const struct {
+        double serial;
+        const char* formato;
+        const char* cstr;
+    } casos[] = {
+        {45356.99999, "2024-03-05 23:59:59", "3/5/2024 11:59:59 PM"},
+        {45356.999999, "2024-03-06 00:00:00", "3/6/2024"},
+        {-0.9999999, "1899-12-31 00:00:00", "12/31/1899"},
+        {-1.25, "1899-12-29 06:00:00", "12/29/1899 6:00:00 AM"},
+        {-1.99999, "1899-12-29 23:59:59", "12/29/1899 11:59:59 PM"},
+        {-1.9999999, "1899-12-30 00:00:00", "12:00:00 AM"},
+        {-2.9999999, "1899-12-29 00:00:00", "12/29/1899"},
+    };
+    for (const auto& c : casos) {
+        const Variant fecha = Variant::Fecha(c.serial);
+        EXPECT_EQ(Texto(Formato(fecha, "yyyy-mm-dd hh:nn:ss")), c.formato) << c.serial;
+        EXPECT_EQ(CStr(fecha).toStdString(), c.cstr) << c.serial;
+    }
+}
+
 TEST(Formato, SemanasYTrimestres) {
     ConLocal local("en_US");
     struct {
