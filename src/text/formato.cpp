@@ -185,9 +185,11 @@ PatronNumerico PatronDe(const Seccion& s) {
     std::vector<size_t> comas;  // integer-part commas, decided once the digits are known
     for (size_t i = 0; i < s.size(); ++i) {
         const QChar c = s[i].c;
-        if (s[i].literal) {
+        const bool cifra = c == u'0' || c == u'#';
+        // Past the exponent's sign only digit placeholders mean anything.
+        if (s[i].literal || (zona == ElementoNumerico::Exponente && !cifra)) {
             literal(c, zona);
-        } else if (c == u'0' || c == u'#') {
+        } else if (cifra) {
             el.push_back({ElementoNumerico::Cifra, zona, {}, c});
         } else if (c == u'.' && zona == ElementoNumerico::Entera) {
             el.push_back({ElementoNumerico::Punto, zona, {}, {}});
@@ -195,8 +197,8 @@ PatronNumerico PatronDe(const Seccion& s) {
         } else if (c == u',' && zona == ElementoNumerico::Entera) {
             comas.push_back(el.size());
             el.push_back({ElementoNumerico::Coma, zona, QString(c), {}});
-        } else if ((c == u'E' || c == u'e') && zona != ElementoNumerico::Exponente && i + 1 < s.size() &&
-                   !s[i + 1].literal && (s[i + 1].c == u'+' || s[i + 1].c == u'-')) {
+        } else if ((c == u'E' || c == u'e') && i + 1 < s.size() && !s[i + 1].literal &&
+                   (s[i + 1].c == u'+' || s[i + 1].c == u'-')) {
             el.push_back({ElementoNumerico::MarcaExponente, zona, QString(c), {}, s[i + 1].c == u'+'});
             zona = ElementoNumerico::Exponente;
             p.cientifico = true;
@@ -320,7 +322,6 @@ QString FormateaNumero(const PatronNumerico& p, Decimal v, const Local& local) {
     QString r;
     int entera = 0;
     int fraccion = 0;
-    bool exponenteEscrito = false;
     for (const ElementoNumerico& e : p.elementos) {
         switch (e.clase) {
         case ElementoNumerico::Literal:
@@ -331,11 +332,13 @@ QString FormateaNumero(const PatronNumerico& p, Decimal v, const Local& local) {
             r += sobrantes + local.decimal;
             break;
         case ElementoNumerico::MarcaExponente:
+            // All of its digits at once; the literals among its placeholders follow them.
             r += e.texto;
             if (exponente < 0)
                 r += u'-';
             else if (e.conMas)
                 r += u'+';
+            r += cifrasExponente;
             break;
         case ElementoNumerico::Cifra:
             if (e.zona == ElementoNumerico::Entera) {
@@ -344,15 +347,10 @@ QString FormateaNumero(const PatronNumerico& p, Decimal v, const Local& local) {
                 ++fraccion;
                 if (fraccion <= fraccionVisible)
                     r += QChar(v.cifra(-fraccion));
-            } else if (!exponenteEscrito) {
-                r += cifrasExponente;
-                exponenteEscrito = true;
             }
             break;
         }
     }
-    if (p.cientifico && !exponenteEscrito)
-        r += cifrasExponente;
     return r;
 }
 
