@@ -657,10 +657,8 @@ QString FormateaTexto(const Seccion& s, const QString& valor) {
     for (const Caracter& k : s) {
         if (!k.literal && (k.c == u'@' || k.c == u'&'))
             lugares.push_back({true, k.c == u'@' ? QStringLiteral(" ") : QString()});
-        else if (!k.literal && k.c == u'<')
-            caso = -1;
-        else if (!k.literal && k.c == u'>')
-            caso = 1;
+        else if (!k.literal && (k.c == u'<' || k.c == u'>'))
+            caso = caso != 0 ? caso : k.c == u'<' ? -1 : 1;  // the first one holds
         else if (!k.literal && k.c == u'!')
             izquierdaADerecha = true;
         else if (!lugares.empty() && !lugares.back().marcador)
@@ -677,30 +675,18 @@ QString FormateaTexto(const Seccion& s, const QString& valor) {
     }
     const qsizetype n = static_cast<qsizetype>(marcadores.size());
     const qsizetype largo = datos.size();
-    if (n == 0) {
-        QString r;
-        for (const Lugar& l : lugares)
-            r += l.texto;
-        return r + datos;
-    }
-    // Characters beyond the placeholders are all shown, at the far end of
-    // the fill: before the first when filling from the right, after the last
-    // when filling from the left.
+    // Text that fits fills from the right unless ! says otherwise; longer text
+    // fills from the left and what is left over ends the result, after any
+    // literals.
     for (qsizetype j = 0; j < n; ++j) {
-        const qsizetype i = izquierdaADerecha ? j : largo - n + j;
+        const qsizetype i = izquierdaADerecha || largo > n ? j : largo - n + j;
         if (i >= 0 && i < largo)
             lugares[marcadores[j]].texto = datos[i];
-    }
-    if (largo > n) {
-        if (izquierdaADerecha)
-            lugares[marcadores[n - 1]].texto += datos.mid(n);
-        else
-            lugares[marcadores[0]].texto.prepend(datos.left(largo - n));
     }
     QString r;
     for (const Lugar& l : lugares)
         r += l.texto;
-    return r;
+    return r + datos.mid(n);
 }
 
 // Any section placeholder decides for the whole format: the text ones first,

@@ -250,8 +250,12 @@ TEST(Formato, PatronesDeTexto) {
         {"ab", "!@@@@", "ab  "},
         {"ab", "&&&&", "ab"},
         {"abcdef", "@@@", "abcdef"},
-        {"abc", "@-@", "ab-c"},
+        {"abc", "@-@", "a-bc"},
         {"abc", "!@-@", "a-bc"},
+        {"abc", "(@)", "(a)bc"},  // left over: after the literals
+        {"abc", "!(@)", "(a)bc"},
+        {"HoLa", "><", "HOLA"},  // the first case mark holds
+        {"HoLa", "<@@@@>", "hola"},
         {"5551234", "@@@-@@@@", "555-1234"},
         {"123", "&&&-&&&&", "-123"},
         {"abc", ">\"x\"@@@@", "x ABC"},
