@@ -400,8 +400,9 @@ std::optional<Decimal> Lee(QStringView s, const DatosDeLocal& datos) {
     return l;
 }
 
-// The exact decimal value rounded to 4 places, halves to even.
-Moneda MonedaDeDecimal(Decimal d) {
+// The exact decimal value rounded to 4 places, halves to even. Of a binary
+// value, the shortest digits that read back as it: the number the user wrote.
+Moneda MonedaDe(Decimal d) {
     interno::Redondea(d, 4, interno::Mitades::AlPar);
     if (d.enteras() > 15)
         Lanza(err::kDesbordamiento);
@@ -412,14 +413,6 @@ Moneda MonedaDeDecimal(Decimal d) {
     if (magnitud > limite)
         Lanza(err::kDesbordamiento);
     return Moneda{d.negativo ? static_cast<int64_t>(0 - magnitud) : static_cast<int64_t>(magnitud)};
-}
-
-template <class T>
-Moneda MonedaDeBinario(T x) {
-    if (!std::isfinite(x))
-        Lanza(err::kDesbordamiento);
-    // The shortest digits that read back as x are the number the user wrote.
-    return MonedaDeDecimal(interno::DecimalDeBinario(x));
 }
 
 template <class T>
@@ -910,18 +903,18 @@ Moneda CCur(const Variant& v) {
     case TipoVariant::Largo:
         return Moneda{int64_t{v.largo()} * 10000};
     case TipoVariant::Sencillo:
-        return MonedaDeBinario(v.sencillo());
+        return MonedaDe(interno::DecimalDeBinario(v.sencillo()));
     case TipoVariant::Doble:
-        return MonedaDeBinario(v.doble());
+        return MonedaDe(interno::DecimalDeBinario(v.doble()));
     case TipoVariant::Fecha:
-        return MonedaDeBinario(v.fecha());
+        return MonedaDe(interno::DecimalDeBinario(v.fecha()));
     case TipoVariant::Moneda:
         return v.moneda();
     case TipoVariant::Texto: {
         auto l = Lee(v.texto(), Datos());
         if (!l)
             Lanza(err::kTiposNoCoinciden);
-        return MonedaDeDecimal(*l);
+        return MonedaDe(*l);
     }
     case TipoVariant::Error:
         Lanza(err::kTiposNoCoinciden);

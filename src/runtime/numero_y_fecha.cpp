@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "kaloimpresora/errores.h"
+
 namespace kalo::interno {
 
 namespace {
@@ -17,6 +19,8 @@ const QDate& FechaBase() {
 
 template <class T>
 Decimal DeBinario(T x, int significativas) {
+    if (!std::isfinite(x))
+        Lanza(err::kDesbordamiento);
     char buffer[64];
     const char* fin = significativas > 0 ? std::to_chars(buffer, buffer + sizeof buffer, x,
                                                          std::chars_format::scientific, significativas - 1).ptr

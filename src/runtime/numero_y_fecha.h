@@ -29,8 +29,9 @@ struct Decimal {
 void Compacta(Decimal& d);
 // v * 10^exponente.
 Decimal DecimalDeEntero(int64_t v, int64_t exponente = 0);
-// A finite binary value through its first `significativas` digits, or with 0
-// through the shortest digits that read back as the same value. -0 is 0.
+// A binary value through its first `significativas` digits, or with 0
+// through the shortest digits that read back as the same value. -0 is 0;
+// infinity and NaN raise 6.
 Decimal DecimalDeBinario(double x, int significativas = 0);
 Decimal DecimalDeBinario(float x, int significativas = 0);
 // The nearest double; beyond its range infinity or zero.

@@ -1,6 +1,7 @@
 #include <QDate>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
 #include <string_view>
 
@@ -241,6 +242,7 @@ TEST(Formato, SinFormatoYTextosDeEntrada) {
     EXPECT_EQ(Texto(Formato(5, 0)), "5");
     EXPECT_EQ(NumeroDeError([] { Formato(5, Variant::Nulo()); }), 94);
     EXPECT_EQ(NumeroDeError([] { Formato(1e10, "dd"); }), 6);
+    EXPECT_EQ(NumeroDeError([] { Formato(HUGE_VAL, "0"); }), 6);
 }
 
 }  // namespace
