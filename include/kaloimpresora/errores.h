@@ -13,6 +13,7 @@ namespace kalo {
 namespace err {
 inline constexpr int32_t kLlamadaNoValida = 5;
 inline constexpr int32_t kDesbordamiento = 6;
+inline constexpr int32_t kMemoriaInsuficiente = 7;
 inline constexpr int32_t kSubindiceFueraDeIntervalo = 9;
 inline constexpr int32_t kDivisionPorCero = 11;
 inline constexpr int32_t kTiposNoCoinciden = 13;

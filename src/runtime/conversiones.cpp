@@ -8,32 +8,25 @@
 #include <cfloat>
 #include <charconv>
 #include <cmath>
-#include <limits>
 #include <memory>
 #include <mutex>
 #include <new>
-#include <string>
 #include <utility>
 #include <vector>
 
 #include "kaloimpresora/automatizacion.h"
 #include "kaloimpresora/errores.h"
+#include "runtime/numero_y_fecha.h"
 #include "runtime/valor_interno.h"
 
 namespace kalo {
 
 namespace {
 
+using interno::Decimal;
 using interno::kFechaLimite;
 using interno::kFechaMinima;
-constexpr int64_t kSegundosPorDia = 86400;
 constexpr int kProfundidadMaxima = 16;
-constexpr int32_t kMemoriaInsuficiente = 7;
-
-const QDate& FechaBase() {
-    static const QDate base(1899, 12, 30);
-    return base;
-}
 
 bool EsDigito(QChar c) { return c >= u'0' && c <= u'9'; }
 bool EsBlanco(QChar c) { return c == u' ' || c == u'\t'; }
@@ -230,38 +223,9 @@ const DatosDeLocal& Datos() {
 // ---------------------------------------------------------------------------
 // Numeric text
 
-// A number as read from text: digitos * 10^exponente, kept in decimal so that
-// currency conversion does not go through binary floating point.
-struct LecturaNumerica {
-    bool negativo = false;
-    std::string digitos;  // no leading or trailing zeros; empty for zero
-    int64_t exponente = 0;
-};
-
-void Compacta(LecturaNumerica& l) {
-    size_t inicio = l.digitos.find_first_not_of('0');
-    if (inicio == std::string::npos) {
-        l.digitos.clear();
-        l.exponente = 0;
-        return;
-    }
-    size_t fin = l.digitos.find_last_not_of('0');
-    l.exponente += static_cast<int64_t>(l.digitos.size() - fin - 1);
-    l.digitos = l.digitos.substr(inicio, fin - inicio + 1);
-}
-
-LecturaNumerica LecturaDeEntero(int64_t v) {
-    LecturaNumerica l;
-    l.negativo = v < 0;
-    uint64_t magnitud = l.negativo ? 0 - static_cast<uint64_t>(v) : static_cast<uint64_t>(v);
-    l.digitos = std::to_string(magnitud);
-    Compacta(l);
-    return l;
-}
-
 // &H and &O literals: up to 16 bits wraps as a 16-bit value, up to 32 bits as
 // a 32-bit one, so "&HFFFF" is -1 and "&HFFFFF" is 1048575.
-std::optional<LecturaNumerica> LeeConBase(QStringView s) {
+std::optional<Decimal> LeeConBase(QStringView s) {
     if (s.size() < 3)
         return std::nullopt;
     const QChar prefijo = s[1].toLower();
@@ -288,13 +252,13 @@ std::optional<LecturaNumerica> LeeConBase(QStringView s) {
         valor = valor * base + digito;
     }
     if (valor <= 0xFFFF)
-        return LecturaDeEntero(static_cast<int16_t>(static_cast<uint16_t>(valor)));
+        return interno::DecimalDeEntero(static_cast<int16_t>(static_cast<uint16_t>(valor)));
     if (valor <= 0xFFFFFFFFu)
-        return LecturaDeEntero(static_cast<int32_t>(static_cast<uint32_t>(valor)));
+        return interno::DecimalDeEntero(static_cast<int32_t>(static_cast<uint32_t>(valor)));
     return std::nullopt;
 }
 
-std::optional<LecturaNumerica> Lee(QStringView s, const DatosDeLocal& datos) {
+std::optional<Decimal> Lee(QStringView s, const DatosDeLocal& datos) {
     qsizetype i = 0;
     qsizetype n = s.size();
     while (i < n && EsBlanco(s[i]))
@@ -371,25 +335,25 @@ std::optional<LecturaNumerica> Lee(QStringView s, const DatosDeLocal& datos) {
         return std::nullopt;
     }
 
-    LecturaNumerica l;
+    Decimal l;
     int64_t decimales = 0;
     while (i < n) {
         if (EsDigito(s[i])) {
-            l.digitos += static_cast<char>(s[i].unicode());
+            l.cifras += static_cast<char>(s[i].unicode());
             ++i;
-        } else if (l.digitos.empty() || !consumeGrupo()) {
+        } else if (l.cifras.empty() || !consumeGrupo()) {
             break;
         }
     }
     if (i < n && empiezaCon(datos.decimal)) {
         i += datos.decimal.size();
         while (i < n && EsDigito(s[i])) {
-            l.digitos += static_cast<char>(s[i].unicode());
+            l.cifras += static_cast<char>(s[i].unicode());
             ++decimales;
             ++i;
         }
     }
-    if (l.digitos.empty())
+    if (l.cifras.empty())
         return std::nullopt;
 
     int64_t exponente = 0;
@@ -431,81 +395,23 @@ std::optional<LecturaNumerica> Lee(QStringView s, const DatosDeLocal& datos) {
 
     l.negativo = negativo || parentesis;
     l.exponente = exponente - decimales;
-    Compacta(l);
+    interno::Compacta(l);
     return l;
 }
 
-double ADoble(const LecturaNumerica& l) {
-    if (l.digitos.empty())
-        return l.negativo ? -0.0 : 0.0;
-    const std::string texto = l.digitos + 'e' + std::to_string(l.exponente);
-    double valor = 0;
-    auto [fin, ec] = std::from_chars(texto.data(), texto.data() + texto.size(), valor);
-    if (ec == std::errc::result_out_of_range) {
-        const int64_t magnitud = static_cast<int64_t>(l.digitos.size()) + l.exponente;
-        valor = magnitud > 0 ? std::numeric_limits<double>::infinity() : 0.0;
-    }
-    return l.negativo ? -valor : valor;
-}
-
-// The exact decimal value rounded to 4 places, halves to even.
-Moneda MonedaDeLectura(const LecturaNumerica& l) {
-    if (l.digitos.empty())
-        return Moneda{0};
-    const int64_t largo = static_cast<int64_t>(l.digitos.size());
-    const int64_t enteros = largo + l.exponente + 4;  // digits before the point, scaled
-    if (enteros > 19)
+// The exact decimal value rounded to 4 places, halves to even. Of a binary
+// value, the shortest digits that read back as it: the number the user wrote.
+Moneda MonedaDe(Decimal d) {
+    interno::Redondea(d, 4, interno::Mitades::AlPar);
+    if (d.enteras() > 15)
         Lanza(err::kDesbordamiento);
     uint64_t magnitud = 0;
-    for (int64_t k = 0; k < enteros; ++k)
-        magnitud = magnitud * 10 + (k < largo ? static_cast<uint64_t>(l.digitos[k] - '0') : 0);
-    if (enteros >= 0 && enteros < largo) {
-        const char siguiente = l.digitos[enteros];
-        const bool resto = enteros + 1 < largo;  // trailing zeros were stripped
-        if (siguiente > '5' || (siguiente == '5' && (resto || (magnitud & 1))))
-            ++magnitud;
-    }
-    const uint64_t limite = l.negativo ? uint64_t{1} << 63 : (uint64_t{1} << 63) - 1;
+    for (int64_t p = d.enteras() - 1; p >= -4; --p)
+        magnitud = magnitud * 10 + static_cast<uint64_t>(d.cifra(p) - '0');
+    const uint64_t limite = d.negativo ? uint64_t{1} << 63 : (uint64_t{1} << 63) - 1;
     if (magnitud > limite)
         Lanza(err::kDesbordamiento);
-    return Moneda{l.negativo ? static_cast<int64_t>(0 - magnitud) : static_cast<int64_t>(magnitud)};
-}
-
-// The shortest decimal that reads back as the same binary value; that is the
-// number the user wrote, and the one currency rounding should see.
-template <class T>
-LecturaNumerica LecturaDeBinario(T x) {
-    char buffer[64];
-    auto [fin, ec] = std::to_chars(buffer, buffer + sizeof buffer, x, std::chars_format::scientific);
-    const std::string texto(buffer, fin);
-    LecturaNumerica l;
-    size_t i = 0;
-    if (texto[i] == '-') {
-        l.negativo = true;
-        ++i;
-    }
-    const size_t e = texto.find('e');
-    int64_t decimales = 0;
-    bool trasPunto = false;
-    for (; i < e; ++i) {
-        if (texto[i] == '.') {
-            trasPunto = true;
-            continue;
-        }
-        l.digitos += texto[i];
-        if (trasPunto)
-            ++decimales;
-    }
-    l.exponente = std::stoll(texto.substr(e + 1)) - decimales;
-    Compacta(l);
-    return l;
-}
-
-template <class T>
-Moneda MonedaDeBinario(T x) {
-    if (!std::isfinite(x))
-        Lanza(err::kDesbordamiento);
-    return MonedaDeLectura(LecturaDeBinario(x));
+    return Moneda{d.negativo ? static_cast<int64_t>(0 - magnitud) : static_cast<int64_t>(magnitud)};
 }
 
 template <class T>
@@ -542,31 +448,16 @@ QString TextoDeMoneda(Moneda m) {
 // ---------------------------------------------------------------------------
 // Dates
 
-double SerialDeFecha(QDate fecha, int64_t segundos) {
-    const double dias = static_cast<double>(FechaBase().daysTo(fecha));
-    const double fraccion = static_cast<double>(segundos) / kSegundosPorDia;
-    // Before the base date the fraction still counts forward from midnight.
-    return dias < 0 ? dias - fraccion : dias + fraccion;
-}
-
 QString TextoDeFecha(double serial) {
     if (!(serial >= kFechaMinima && serial < kFechaLimite))
         Lanza(err::kDesbordamiento);
-    const double parteEntera = std::trunc(serial);
-    int64_t dia = static_cast<int64_t>(parteEntera);
-    int64_t segundos = std::llround(std::fabs(serial - parteEntera) * kSegundosPorDia);
-    if (segundos >= kSegundosPorDia) {
-        segundos -= kSegundosPorDia;
-        dia += serial < 0 ? -1 : 1;
-    }
+    const interno::Momento m = interno::Desglosa(serial);
     const DatosDeLocal& datos = Datos();
-    const QTime hora = QTime(0, 0).addSecs(static_cast<int>(segundos));
-    if (dia == 0)
-        return datos.local.toString(hora, datos.formatoHora);
-    const QString fecha = datos.local.toString(FechaBase().addDays(dia), datos.formatoFecha);
-    if (segundos == 0)
-        return fecha;
-    return fecha + u' ' + datos.local.toString(hora, datos.formatoHora);
+    const QString hora = datos.local.toString(QTime(m.hora(), m.minuto(), m.segundo()), datos.formatoHora);
+    if (m.dias == 0)
+        return hora;
+    const QString fecha = datos.local.toString(m.fecha, datos.formatoFecha);
+    return m.segundos == 0 ? fecha : fecha + u' ' + hora;
 }
 
 struct Pieza {
@@ -780,15 +671,13 @@ std::optional<double> LeeFecha(const QString& texto, const DatosDeLocal& datos) 
         piezas->erase(piezas->begin());
     while (!piezas->empty() && EsEspacio(piezas->back()))
         piezas->pop_back();
-    if (piezas->empty()) {
-        if (!segundos)
-            return std::nullopt;
-        return static_cast<double>(*segundos) / kSegundosPorDia;
-    }
-    const std::optional<QDate> fecha = LeeParteDeFecha(*piezas, datos);
+    if (piezas->empty() && !segundos)
+        return std::nullopt;
+    // A time alone is a time of day zero.
+    const std::optional<QDate> fecha = piezas->empty() ? QDate(1899, 12, 30) : LeeParteDeFecha(*piezas, datos);
     if (!fecha)
         return std::nullopt;
-    return SerialDeFecha(*fecha, segundos.value_or(0));
+    return interno::SerialDeFecha(*fecha, segundos.value_or(0));
 }
 
 double FechaEnIntervalo(double serial) {
@@ -853,7 +742,7 @@ Variant ValorPorDefecto(const Variant& v) {
         } catch (const ErrorDeAutomatizacion&) {
             throw;
         } catch (const std::bad_alloc&) {
-            Lanza(kMemoriaInsuficiente);
+            Lanza(err::kMemoriaInsuficiente);
         } catch (const std::exception&) {
             Lanza(err::kLlamadaNoValida);
         }
@@ -891,7 +780,7 @@ std::optional<double> LeeNumero(const QString& texto) {
     auto l = Lee(texto, Datos());
     if (!l)
         return std::nullopt;
-    return ADoble(*l);
+    return interno::DobleDe(*l);
 }
 
 QString CStr(const Variant& v) {
@@ -948,7 +837,7 @@ double CDbl(const Variant& v) {
         auto l = Lee(v.texto(), Datos());
         if (!l)
             Lanza(err::kTiposNoCoinciden);
-        const double d = ADoble(*l);
+        const double d = interno::DobleDe(*l);
         if (!std::isfinite(d))
             Lanza(err::kDesbordamiento);
         return d;
@@ -987,7 +876,7 @@ bool CBool(const Variant& v) {
         auto l = Lee(t, Datos());
         if (!l)
             Lanza(err::kTiposNoCoinciden);
-        return !l->digitos.empty();
+        return !l->esCero();
     }
     case TipoVariant::Objeto:
         return CBool(interno::ValorPorDefecto(v));
@@ -1013,18 +902,18 @@ Moneda CCur(const Variant& v) {
     case TipoVariant::Largo:
         return Moneda{int64_t{v.largo()} * 10000};
     case TipoVariant::Sencillo:
-        return MonedaDeBinario(v.sencillo());
+        return MonedaDe(interno::DecimalDeBinario(v.sencillo()));
     case TipoVariant::Doble:
-        return MonedaDeBinario(v.doble());
+        return MonedaDe(interno::DecimalDeBinario(v.doble()));
     case TipoVariant::Fecha:
-        return MonedaDeBinario(v.fecha());
+        return MonedaDe(interno::DecimalDeBinario(v.fecha()));
     case TipoVariant::Moneda:
         return v.moneda();
     case TipoVariant::Texto: {
         auto l = Lee(v.texto(), Datos());
         if (!l)
             Lanza(err::kTiposNoCoinciden);
-        return MonedaDeLectura(*l);
+        return MonedaDe(*l);
     }
     case TipoVariant::Error:
         Lanza(err::kTiposNoCoinciden);

@@ -10,7 +10,6 @@
 #include <QLocale>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <optional>
 #include <string>
@@ -18,13 +17,16 @@
 
 #include "kaloimpresora/conversiones.h"
 #include "kaloimpresora/errores.h"
+#include "runtime/numero_y_fecha.h"
 #include "runtime/valor_interno.h"
 
 namespace kalo {
 
 namespace {
 
-constexpr int64_t kSegundosPorDia = 86400;
+using interno::Decimal;
+using interno::DecimalDeBinario;
+using interno::DecimalDeEntero;
 
 // Locale texts carry no-break spaces that printer fonts may lack.
 QString Llano(QString s) {
@@ -108,101 +110,20 @@ QString TextoLiteral(const Seccion& s) {
 // ---------------------------------------------------------------------------
 // Numbers, kept in decimal so that rounding sees the digits the user sees.
 
-struct Decimal {
-    bool negativo = false;
-    std::string cifras;  // no leading or trailing zeros; empty for zero
-    int exponente = 0;   // value = cifras * 10^exponente
-
-    bool esCero() const { return cifras.empty(); }
-    // Digits before the point; zero or less below 1.
-    int enteras() const { return cifras.empty() ? 0 : static_cast<int>(cifras.size()) + exponente; }
-    char cifra(int potencia) const {
-        const int i = exponente + static_cast<int>(cifras.size()) - 1 - potencia;
-        return i >= 0 && i < static_cast<int>(cifras.size()) ? cifras[i] : '0';
-    }
-};
-
-void Compacta(Decimal& d) {
-    const size_t inicio = d.cifras.find_first_not_of('0');
-    if (inicio == std::string::npos) {
-        d.cifras.clear();
-        d.exponente = 0;
-        return;
-    }
-    const size_t fin = d.cifras.find_last_not_of('0');
-    d.exponente += static_cast<int>(d.cifras.size() - fin - 1);
-    d.cifras = d.cifras.substr(inicio, fin - inicio + 1);
-}
-
-Decimal DecimalDeEntero(int64_t v) {
-    Decimal d;
-    d.negativo = v < 0;
-    d.cifras = std::to_string(d.negativo ? 0 - static_cast<uint64_t>(v) : static_cast<uint64_t>(v));
-    Compacta(d);
-    return d;
-}
-
-// A binary value is seen through as many significant digits as the runtime
-// shows of it (15 for a double, 7 for a single), so 1.005 is 1.005.
-template <class T>
-Decimal DecimalDeBinario(T x, int significativas) {
-    char buffer[64];
-    const auto [fin, ec] =
-        std::to_chars(buffer, buffer + sizeof buffer, x, std::chars_format::scientific, significativas - 1);
-    const std::string texto(buffer, fin);
-    Decimal d;
-    size_t i = 0;
-    if (texto[i] == '-') {
-        d.negativo = true;
-        ++i;
-    }
-    const size_t e = texto.find('e');
-    for (; i < e; ++i) {
-        if (texto[i] != '.')
-            d.cifras += texto[i];
-    }
-    d.exponente = std::stoi(texto.substr(e + 1)) - static_cast<int>(d.cifras.size()) + 1;
-    const bool negativo = d.negativo;
-    Compacta(d);
-    d.negativo = negativo && !d.esCero();
-    return d;
-}
-
 // Halves away from zero, unlike the whole-number conversions.
-void Redondea(Decimal& d, int decimales) {
-    const int largo = static_cast<int>(d.cifras.size());
-    const int conservar = d.enteras() + decimales;
-    if (d.esCero() || conservar >= largo)
-        return;
-    if (conservar < 0) {
-        d.cifras.clear();
-        d.exponente = 0;
-        return;
-    }
-    const bool sube = d.cifras[conservar] >= '5';
-    d.exponente += largo - conservar;
-    d.cifras.resize(conservar);
-    if (sube) {
-        int i = conservar - 1;
-        while (i >= 0 && d.cifras[i] == '9')
-            d.cifras[i--] = '0';
-        if (i < 0)
-            d.cifras.insert(d.cifras.begin(), '1');
-        else
-            ++d.cifras[i];
-    }
-    Compacta(d);
-}
+void Redondea(Decimal& d, int64_t decimales) { interno::Redondea(d, decimales, interno::Mitades::LejosDelCero); }
 
 std::string ParteEntera(const Decimal& d) {
     std::string r;
-    for (int p = d.enteras() - 1; p >= 0; --p)
+    for (int64_t p = d.enteras() - 1; p >= 0; --p)
         r += d.cifra(p);
     return r;
 }
 
 // The number in a value, or nullopt for text that is not one (returned
-// unchanged by the caller). Empty counts as 0 and True as -1.
+// unchanged by the caller). Empty counts as 0 and True as -1. A binary value
+// is seen through as many digits as the runtime shows of it (15 for a double,
+// 7 for a single), so 1.005 is 1.005.
 std::optional<Decimal> DecimalDe(const Variant& v) {
     switch (v.tipo()) {
     case TipoVariant::Vacio:
@@ -213,12 +134,8 @@ std::optional<Decimal> DecimalDe(const Variant& v) {
         return DecimalDeEntero(v.entero());
     case TipoVariant::Largo:
         return DecimalDeEntero(v.largo());
-    case TipoVariant::Moneda: {
-        Decimal d = DecimalDeEntero(v.moneda().escalado);
-        d.exponente -= 4;
-        Compacta(d);
-        return d;
-    }
+    case TipoVariant::Moneda:
+        return DecimalDeEntero(v.moneda().escalado, -4);
     case TipoVariant::Sencillo:
         return DecimalDeBinario(v.sencillo(), 7);
     case TipoVariant::Doble:
@@ -268,9 +185,11 @@ PatronNumerico PatronDe(const Seccion& s) {
     std::vector<size_t> comas;  // integer-part commas, decided once the digits are known
     for (size_t i = 0; i < s.size(); ++i) {
         const QChar c = s[i].c;
-        if (s[i].literal) {
+        const bool cifra = c == u'0' || c == u'#';
+        // Past the exponent's sign only digit placeholders mean anything.
+        if (s[i].literal || (zona == ElementoNumerico::Exponente && !cifra)) {
             literal(c, zona);
-        } else if (c == u'0' || c == u'#') {
+        } else if (cifra) {
             el.push_back({ElementoNumerico::Cifra, zona, {}, c});
         } else if (c == u'.' && zona == ElementoNumerico::Entera) {
             el.push_back({ElementoNumerico::Punto, zona, {}, {}});
@@ -278,8 +197,8 @@ PatronNumerico PatronDe(const Seccion& s) {
         } else if (c == u',' && zona == ElementoNumerico::Entera) {
             comas.push_back(el.size());
             el.push_back({ElementoNumerico::Coma, zona, QString(c), {}});
-        } else if ((c == u'E' || c == u'e') && zona != ElementoNumerico::Exponente && i + 1 < s.size() &&
-                   !s[i + 1].literal && (s[i + 1].c == u'+' || s[i + 1].c == u'-')) {
+        } else if ((c == u'E' || c == u'e') && i + 1 < s.size() && !s[i + 1].literal &&
+                   (s[i + 1].c == u'+' || s[i + 1].c == u'-')) {
             el.push_back({ElementoNumerico::MarcaExponente, zona, QString(c), {}, s[i + 1].c == u'+'});
             zona = ElementoNumerico::Exponente;
             p.cientifico = true;
@@ -347,7 +266,7 @@ QString FormateaNumero(const PatronNumerico& p, Decimal v, const Local& local) {
     v.negativo = false;
     if (!v.esCero())
         v.exponente += p.escala;
-    int exponente = 0;
+    int64_t exponente = 0;
     if (p.cientifico && !v.esCero()) {
         exponente = v.enteras() - p.enteras;
         v.exponente -= exponente;
@@ -403,7 +322,6 @@ QString FormateaNumero(const PatronNumerico& p, Decimal v, const Local& local) {
     QString r;
     int entera = 0;
     int fraccion = 0;
-    bool exponenteEscrito = false;
     for (const ElementoNumerico& e : p.elementos) {
         switch (e.clase) {
         case ElementoNumerico::Literal:
@@ -414,11 +332,13 @@ QString FormateaNumero(const PatronNumerico& p, Decimal v, const Local& local) {
             r += sobrantes + local.decimal;
             break;
         case ElementoNumerico::MarcaExponente:
+            // All of its digits at once; the literals among its placeholders follow them.
             r += e.texto;
             if (exponente < 0)
                 r += u'-';
             else if (e.conMas)
                 r += u'+';
+            r += cifrasExponente;
             break;
         case ElementoNumerico::Cifra:
             if (e.zona == ElementoNumerico::Entera) {
@@ -427,15 +347,10 @@ QString FormateaNumero(const PatronNumerico& p, Decimal v, const Local& local) {
                 ++fraccion;
                 if (fraccion <= fraccionVisible)
                     r += QChar(v.cifra(-fraccion));
-            } else if (!exponenteEscrito) {
-                r += cifrasExponente;
-                exponenteEscrito = true;
             }
             break;
         }
     }
-    if (p.cientifico && !exponenteEscrito)
-        r += cifrasExponente;
     return r;
 }
 
@@ -657,40 +572,19 @@ PatronDeFecha PatronDeFormatoDelLocal(const QString& formato) {
     return r;
 }
 
-// A serial date as a calendar day and the seconds into it; the fraction of
-// a day before the base date still counts forward from midnight.
-struct Momento {
-    QDate dia;
-    int segundos = 0;
-};
-
-Momento MomentoDe(double serial) {
-    const double entera = std::trunc(serial);
-    int64_t dia = static_cast<int64_t>(entera);
-    int64_t segundos = std::llround(std::fabs(serial - entera) * kSegundosPorDia);
-    if (segundos >= kSegundosPorDia) {
-        segundos -= kSegundosPorDia;
-        ++dia;
-    }
-    return {QDate(1899, 12, 30).addDays(dia), static_cast<int>(segundos)};
-}
-
 QString DosCifras(int n) { return QStringLiteral("%1").arg(n, 2, 10, QChar(u'0')); }
 
 QString FormateaFecha(const PatronDeFecha& patron, double serial, const Local& l) {
     using P = PiezaDeFecha;
-    const Momento m = MomentoDe(serial);
-    const QDate& d = m.dia;
-    const int hora = m.segundos / 3600;
-    const int minuto = m.segundos / 60 % 60;
-    const int segundo = m.segundos % 60;
+    const interno::Momento m = interno::Desglosa(serial);
+    const QDate& d = m.fecha;
+    const int hora = m.hora();
     bool doceHoras = false;
     for (const P& p : patron)
         doceHoras = doceHoras || p.clase == P::Meridiano;
     const int horaVisible = doceHoras ? (hora % 12 == 0 ? 12 : hora % 12) : hora;
-    const int diaDeSemana = d.dayOfWeek() % 7 + 1;  // Sunday is 1
     const int primeroDeEnero = QDate(d.year(), 1, 1).dayOfWeek() % 7;  // days of its week before it
-    const auto soloDia = static_cast<double>(QDate(1899, 12, 30).daysTo(d));
+    const auto soloDia = static_cast<double>(m.dias);
 
     QString r;
     for (const P& p : patron) {
@@ -707,7 +601,7 @@ QString FormateaFecha(const PatronDeFecha& patron, double serial, const Local& l
         case P::FechaLarga:
             r += FormateaFecha(PatronDeFormatoDelLocal(l.local.dateFormat(QLocale::LongFormat)), soloDia, l);
             break;
-        case P::DiaDeSemana: r += QString::number(diaDeSemana); break;
+        case P::DiaDeSemana: r += QString::number(m.diaDeSemana()); break;
         case P::Semana: r += QString::number((d.dayOfYear() - 1 + primeroDeEnero) / 7 + 1); break;
         case P::Mes: r += QString::number(d.month()); break;
         case P::Mes2: r += DosCifras(d.month()); break;
@@ -719,12 +613,12 @@ QString FormateaFecha(const PatronDeFecha& patron, double serial, const Local& l
         case P::Ano4: r += QString::number(d.year()); break;
         case P::Hora: r += QString::number(horaVisible); break;
         case P::Hora2: r += DosCifras(horaVisible); break;
-        case P::Minuto: r += QString::number(minuto); break;
-        case P::Minuto2: r += DosCifras(minuto); break;
-        case P::Segundo: r += QString::number(segundo); break;
-        case P::Segundo2: r += DosCifras(segundo); break;
+        case P::Minuto: r += QString::number(m.minuto()); break;
+        case P::Minuto2: r += DosCifras(m.minuto()); break;
+        case P::Segundo: r += QString::number(m.segundo()); break;
+        case P::Segundo2: r += DosCifras(m.segundo()); break;
         // The time alone, as the runtime shows a date of day zero.
-        case P::HoraLarga: r += CStr(Variant::Fecha(static_cast<double>(m.segundos) / kSegundosPorDia)); break;
+        case P::HoraLarga: r += CStr(Variant::Fecha(m.segundos / 86400.0)); break;
         case P::Meridiano: r += hora < 12 ? p.texto : p.tarde; break;
         case P::SeparadorFecha: r += l.separadorFecha; break;
         case P::SeparadorHora: r += l.separadorHora; break;
@@ -763,10 +657,8 @@ QString FormateaTexto(const Seccion& s, const QString& valor) {
     for (const Caracter& k : s) {
         if (!k.literal && (k.c == u'@' || k.c == u'&'))
             lugares.push_back({true, k.c == u'@' ? QStringLiteral(" ") : QString()});
-        else if (!k.literal && k.c == u'<')
-            caso = -1;
-        else if (!k.literal && k.c == u'>')
-            caso = 1;
+        else if (!k.literal && (k.c == u'<' || k.c == u'>'))
+            caso = caso != 0 ? caso : k.c == u'<' ? -1 : 1;  // the first one holds
         else if (!k.literal && k.c == u'!')
             izquierdaADerecha = true;
         else if (!lugares.empty() && !lugares.back().marcador)
@@ -783,30 +675,18 @@ QString FormateaTexto(const Seccion& s, const QString& valor) {
     }
     const qsizetype n = static_cast<qsizetype>(marcadores.size());
     const qsizetype largo = datos.size();
-    if (n == 0) {
-        QString r;
-        for (const Lugar& l : lugares)
-            r += l.texto;
-        return r + datos;
-    }
-    // Characters beyond the placeholders are all shown, at the far end of
-    // the fill: before the first when filling from the right, after the last
-    // when filling from the left.
+    // Text that fits fills from the right unless ! says otherwise; longer text
+    // fills from the left and what is left over ends the result, after any
+    // literals.
     for (qsizetype j = 0; j < n; ++j) {
-        const qsizetype i = izquierdaADerecha ? j : largo - n + j;
+        const qsizetype i = izquierdaADerecha || largo > n ? j : largo - n + j;
         if (i >= 0 && i < largo)
             lugares[marcadores[j]].texto = datos[i];
-    }
-    if (largo > n) {
-        if (izquierdaADerecha)
-            lugares[marcadores[n - 1]].texto += datos.mid(n);
-        else
-            lugares[marcadores[0]].texto.prepend(datos.left(largo - n));
     }
     QString r;
     for (const Lugar& l : lugares)
         r += l.texto;
-    return r;
+    return r + datos.mid(n);
 }
 
 // Any section placeholder decides for the whole format: the text ones first,
