@@ -13,7 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-
 // An omitted optional argument takes its declared default.
 const Variant& ODefecto(const Variant& v, const Variant& defecto) { return v.esFalta() ? defecto : v; }
 

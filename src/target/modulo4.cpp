@@ -10,7 +10,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-
 // Member calls on a target that may be missing: a missing one is the
 // runtime's "object not set".
 Objeto& Destino(const std::shared_ptr<Objeto>& o) {
