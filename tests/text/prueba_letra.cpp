@@ -10,67 +10,29 @@ using kalo::prueba::NumeroDeError;
 
 namespace {
 
-struct Caso {
-    double numero;
-    const char* esperado;  // UTF-8
-};
-
 // Integer part alone: no legends, no cents.
-void CompruebaPalabras(std::initializer_list<Caso> casos) {
-    for (const auto& c : casos)
-        EXPECT_EQ(ImporteEnLetra(c.numero, {}, false, {}), QString::fromUtf8(c.esperado)) << c.numero;
-}
-
-TEST(Letra, UnidadesDecenasYVeintes) {
-    CompruebaPalabras({
-        {0, "CERO"},          {1, "UN"},           {9, "NUEVE"},         {10, "DIEZ"},
-        {15, "QUINCE"},       {16, "DIECISÉIS"},   {19, "DIECINUEVE"},   {20, "VEINTE"},
-        {21, "VEINTIÚN"},     {22, "VEINTIDÓS"},   {23, "VEINTITRÉS"},   {26, "VEINTISÉIS"},
-        {29, "VEINTINUEVE"},  {30, "TREINTA"},     {31, "TREINTA Y UN"}, {99, "NOVENTA Y NUEVE"},
-    });
-}
-
-TEST(Letra, Centenas) {
-    CompruebaPalabras({
-        {100, "CIEN"},
-        {101, "CIENTO UN"},
-        {121, "CIENTO VEINTIÚN"},
-        {199, "CIENTO NOVENTA Y NUEVE"},
-        {200, "DOSCIENTOS"},
-        {500, "QUINIENTOS"},
-        {700, "SETECIENTOS"},
-        {900, "NOVECIENTOS"},
+TEST(Letra, Palabras) {
+    const std::pair<double, const char*> casos[] = {
+        {0, "CERO"}, {1, "UN"}, {9, "NUEVE"}, {10, "DIEZ"}, {15, "QUINCE"}, {16, "DIECISÉIS"}, {19, "DIECINUEVE"},
+        {20, "VEINTE"}, {21, "VEINTIÚN"}, {22, "VEINTIDÓS"}, {23, "VEINTITRÉS"}, {26, "VEINTISÉIS"},
+        {29, "VEINTINUEVE"}, {30, "TREINTA"}, {31, "TREINTA Y UN"}, {99, "NOVENTA Y NUEVE"},
+        {100, "CIEN"}, {101, "CIENTO UN"}, {121, "CIENTO VEINTIÚN"}, {199, "CIENTO NOVENTA Y NUEVE"},
+        {200, "DOSCIENTOS"}, {500, "QUINIENTOS"}, {700, "SETECIENTOS"}, {900, "NOVECIENTOS"},
         {999, "NOVECIENTOS NOVENTA Y NUEVE"},
-    });
-}
-
-TEST(Letra, MilesMillonesYBillones) {
-    CompruebaPalabras({
-        {1000, "MIL"},
-        {1001, "MIL UN"},
-        {2000, "DOS MIL"},
-        {21000, "VEINTIÚN MIL"},
-        {31000, "TREINTA Y UN MIL"},
-        {100000, "CIEN MIL"},
-        {101000, "CIENTO UN MIL"},
+        {1000, "MIL"}, {1001, "MIL UN"}, {2000, "DOS MIL"}, {21000, "VEINTIÚN MIL"}, {31000, "TREINTA Y UN MIL"},
+        {100000, "CIEN MIL"}, {101000, "CIENTO UN MIL"},
         {999999, "NOVECIENTOS NOVENTA Y NUEVE MIL NOVECIENTOS NOVENTA Y NUEVE"},
-        {1e6, "UN MILLÓN"},
-        {1001000, "UN MILLÓN MIL"},
-        {2e6, "DOS MILLONES"},
-        {21e6, "VEINTIÚN MILLONES"},
-        {31e6, "TREINTA Y UN MILLONES"},
-        {100e6, "CIEN MILLONES"},
-        {1e9, "MIL MILLONES"},
-        {1001e6, "MIL UN MILLONES"},
+        {1e6, "UN MILLÓN"}, {1001000, "UN MILLÓN MIL"}, {2e6, "DOS MILLONES"}, {21e6, "VEINTIÚN MILLONES"},
+        {31e6, "TREINTA Y UN MILLONES"}, {100e6, "CIEN MILLONES"}, {1e9, "MIL MILLONES"}, {1001e6, "MIL UN MILLONES"},
         {21e9, "VEINTIÚN MIL MILLONES"},
-        {1e12, "UN BILLÓN"},
-        {1001e9, "UN BILLÓN MIL MILLONES"},
-        {2e12, "DOS BILLONES"},
+        {1e12, "UN BILLÓN"}, {1001e9, "UN BILLÓN MIL MILLONES"}, {2e12, "DOS BILLONES"},
         {121e12, "CIENTO VEINTIÚN BILLONES"},
         {999999999999999.0,
          "NOVECIENTOS NOVENTA Y NUEVE BILLONES NOVECIENTOS NOVENTA Y NUEVE MIL NOVECIENTOS NOVENTA Y NUEVE "
          "MILLONES NOVECIENTOS NOVENTA Y NUEVE MIL NOVECIENTOS NOVENTA Y NUEVE"},
-    });
+    };
+    for (const auto& [numero, esperado] : casos)
+        EXPECT_EQ(ImporteEnLetra(numero, {}, false, {}), QString::fromUtf8(esperado)) << numero;
 }
 
 TEST(Letra, LeyendasYCentavos) {
@@ -99,33 +61,21 @@ TEST(Letra, LeyendasYCentavos) {
             << c.esperado;
 }
 
-TEST(Letra, NegativosYRedondeo) {
-    struct ConCentavos {
-        double numero;
-        const char* esperado;
-    } casos[] = {
+TEST(Letra, NegativosRedondeoYLimites) {
+    const std::pair<double, const char*> casos[] = {
         {-1, "MENOS UN PESOS 00/100"},
         {-1234.5, "MENOS MIL DOSCIENTOS TREINTA Y CUATRO PESOS 50/100"},
         {-0.25, "MENOS CERO PESOS 25/100"},
-        // Rounds to nothing: no sign left.
-        {-0.004, "CERO PESOS 00/100"},
-        {0.125, "CERO PESOS 13/100"},
-        {0.124, "CERO PESOS 12/100"},
+        {-0.004, "CERO PESOS 00/100"},  // rounds to nothing: no sign left
+        {0.125, "CERO PESOS 13/100"}, {0.124, "CERO PESOS 12/100"},
         {2.675, "DOS PESOS 68/100"},  // the double sits just below 2.675
         {1.005, "UN PESOS 01/100"},   // likewise
-        {-2.675, "MENOS DOS PESOS 68/100"},
-        {0.999, "UN PESOS 00/100"},
-        {20.995, "VEINTIÚN PESOS 00/100"},
-        {999999.999, "UN MILLÓN PESOS 00/100"},
-        {0.1 + 0.2, "CERO PESOS 30/100"},
-        {1e-300, "CERO PESOS 00/100"},
+        {-2.675, "MENOS DOS PESOS 68/100"}, {0.999, "UN PESOS 00/100"}, {20.995, "VEINTIÚN PESOS 00/100"},
+        {999999.999, "UN MILLÓN PESOS 00/100"}, {0.1 + 0.2, "CERO PESOS 30/100"}, {1e-300, "CERO PESOS 00/100"},
     };
-    for (const auto& c : casos)
-        EXPECT_EQ(ImporteEnLetra(c.numero, QStringLiteral("PESOS"), true, {}), QString::fromUtf8(c.esperado))
-            << c.numero;
-}
+    for (const auto& [numero, esperado] : casos)
+        EXPECT_EQ(ImporteEnLetra(numero, QStringLiteral("PESOS"), true, {}), QString::fromUtf8(esperado)) << numero;
 
-TEST(Letra, FueraDeIntervaloEsDesbordamiento) {
     constexpr double kInfinito = std::numeric_limits<double>::infinity();
     for (double numero : {1e15, -1e15, 1e300, kInfinito, -kInfinito, std::numeric_limits<double>::quiet_NaN()})
         EXPECT_EQ(NumeroDeError([&] { ImporteEnLetra(numero, QStringLiteral("PESOS"), true, {}); }), 6) << numero;
