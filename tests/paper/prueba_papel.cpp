@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
-#include <optional>
 
 #include "comun/impresora_con_grabadores.h"
 #include "comun/lectura_de_reporte.h"
@@ -36,10 +35,12 @@ private:
     static double Twips(int16_t modo) { return modo == 5 ? 1440 : modo == 6 ? 1440 / 25.4 : 1; }
 };
 
-std::optional<cola::Forma> Forma(const QString& dispositivo, const QString& nombre) {
+// The size of the device's form by that name (thousandths of a millimetre);
+// an empty size when there is none.
+QSize TamanoDeForma(const QString& dispositivo, const QString& nombre) {
     for (const auto& f : cola::FormasDe(dispositivo))
-        if (f.nombre == nombre) return f;
-    return std::nullopt;
+        if (f.nombre == nombre) return QSize(f.cx, f.cy);
+    return {};
 }
 
 // A letter sheet in portrait on a recording printer whose name is this test's.
@@ -82,42 +83,37 @@ TEST_F(Papel, CadaMetodoPorAutomatizacionQuedaGrabadoConSuTexto) {
     QString estilo = u"Automata"_s;
     imp.EstiloImpresion(estilo);
     llama("EstableceEstiloImpresoraNT");
-    EXPECT_TRUE(Forma(dispositivo, u"Tiendanova_Automata"_s));
-    const Variant forma = llama("CreaForma");
-    EXPECT_TRUE(forma.esObjeto());
-    EXPECT_EQ(forma.objeto(), nullptr);
+    EXPECT_TRUE(TamanoDeForma(dispositivo, u"Tiendanova_Automata"_s).isValid());
+    EXPECT_TRUE(llama("CreaForma").identico(Variant::Nada()));
     EXPECT_EQ(prueba::Comandos(imp.DB),
               (QStringList{u"Portrait\r\n"_s, u"LandScape\r\n"_s,
                            u"PaperSize Fn(\"256\"),Fn(\"4.25\"),Fn(\"6.5\")\r\n"_s, u"RestauraPapel\r\n"_s}));
     EXPECT_EQ(imp.nLinea, 4);
 }
 
-// Portrait never turns the page back nor resets the grid.
-class Orientacion : public Papel, public ::testing::WithParamInterface<bool> {};
-
-TEST_P(Orientacion, ApaisadaDosVecesYLuegoVertical) {
-    imp.Pantalla = GetParam();
-    struct Paso {
-        void (Impresora::*metodo)();
-        double ancho, alto;
-        int16_t orientacion;
-    };
-    for (const Paso& p : {Paso{&Impresora::LandScape, 11, 8.5, 2}, Paso{&Impresora::LandScape, 11, 8.5, 2},
-                          Paso{&Impresora::Portrait, 11, 8.5, 1}}) {
-        (imp.*p.metodo)();
-        EXPECT_EQ(imp.FormaAncho(), p.ancho);
-        EXPECT_EQ(imp.FormaAlto(), p.alto);
-        EXPECT_EQ(imp.nRow, 40);
-        EXPECT_EQ(imp.nCol, 130);
-        EXPECT_EQ(imp.PaperOrientation, p.orientacion);
-        EXPECT_EQ(imp.Horizontal, p.orientacion == 2);
+// Portrait never turns the page back nor resets the grid; only the printer
+// is told the orientation.
+TEST_F(Papel, ApaisadaDosVecesYLuegoVerticalEnImpresoraYEnPantalla) {
+    for (bool pantalla : {false, true}) {
+        SCOPED_TRACE(pantalla);
+        Impresora otra;
+        otra.Pantalla = pantalla;
+        impresora->llamados.clear();
+        auto estado = [&] {
+            return u"%1 x %2, %3 x %4, %5 %6"_s.arg(otra.FormaAncho()).arg(otra.FormaAlto()).arg(otra.nRow)
+                .arg(otra.nCol).arg(otra.PaperOrientation).arg(int(otra.Horizontal));
+        };
+        otra.LandScape();
+        EXPECT_EQ(estado(), u"11 x 8.5, 40 x 130, 2 1"_s);
+        otra.LandScape();
+        EXPECT_EQ(estado(), u"11 x 8.5, 40 x 130, 2 1"_s);
+        otra.Portrait();
+        EXPECT_EQ(estado(), u"11 x 8.5, 40 x 130, 1 0"_s);
+        std::vector<int16_t> dadas;
+        for (const Variant& v : Asignados(u"Orientation"_s)) dadas.push_back(CInt(v));
+        EXPECT_EQ(dadas, pantalla ? std::vector<int16_t>{} : (std::vector<int16_t>{2, 2, 1}));
     }
-    std::vector<int16_t> dadas;
-    for (const Variant& v : Asignados(u"Orientation"_s)) dadas.push_back(CInt(v));
-    EXPECT_EQ(dadas, imp.Pantalla ? std::vector<int16_t>{} : (std::vector<int16_t>{2, 2, 1}));
 }
-
-INSTANTIATE_TEST_SUITE_P(EnImpresoraYEnPantalla, Orientacion, ::testing::Bool());
 
 TEST_F(Papel, TamanoDeUsuarioPasaAlDriverEnElOrdenDeSiempre) {
     impresora->Pon(u"PaperSize"_s, int16_t{256});
@@ -140,10 +136,7 @@ TEST_F(Papel, TamanoDeUsuarioPasaAlDriverEnElOrdenDeSiempre) {
         EXPECT_EQ(imp.FormaAlto(), c.alto);
         EXPECT_EQ(imp.EstiloImpresion(), u"Caja"_s);
         // The style's form is the sheet the printer ends on.
-        const auto forma = Forma(dispositivo, u"Tiendanova_Caja"_s);
-        ASSERT_TRUE(forma);
-        EXPECT_EQ(forma->cx, c.cx);
-        EXPECT_EQ(forma->cy, c.cy);
+        EXPECT_EQ(TamanoDeForma(dispositivo, u"Tiendanova_Caja"_s), QSize(c.cx, c.cy));
         EXPECT_EQ(cola::UltimaSeleccion(dispositivo).forma, u"Tiendanova_Caja"_s);
         EXPECT_TRUE(anchos[1].identico(Variant(c.cx * 1440 / 25400)));
         EXPECT_TRUE(altos[1].identico(Variant(c.cy * 1440 / 25400)));
@@ -199,10 +192,7 @@ TEST_F(Papel, ElNombreDeFormaSeCortaA32CaracteresSinNulo) {
         EXPECT_EQ(s.forma, c.seleccionada ? u"Tiendanova_"_s + c.estilo : QString());
         // The form itself keeps its whole name; the sheet is the letter one
         // read in twips.
-        const auto forma = Forma(dispositivo, u"Tiendanova_"_s + c.estilo);
-        ASSERT_TRUE(forma);
-        EXPECT_EQ(forma->cx, 215900);
-        EXPECT_EQ(forma->cy, 279400);
+        EXPECT_EQ(TamanoDeForma(dispositivo, u"Tiendanova_"_s + c.estilo), QSize(215900, 279400));
     }
 }
 
@@ -234,7 +224,6 @@ protected:
         impresora = ImpresoraDelSistema::EnPdf(carpeta.path());
         EstableceImpresoraActual(impresora);
     }
-    void TearDown() override { EstableceImpresoraActual(nullptr); }
 
     int32_t Miembro(const QString& nombre) { return CLng(impresora->Lee(nombre)); }
     QSizeF PaginaImpresa() {
@@ -268,10 +257,7 @@ TEST_F(PapelEnPdf, CadaPapelTerminaEnLaFormaDePulgadasEnteras) {
         EXPECT_NEAR(imp.FormaAncho(), c.formaAncho, 0.01);
         EXPECT_NEAR(imp.FormaAlto(), c.formaAlto, 0.01);
         EXPECT_EQ(imp.PapelTipo, 1);
-        const auto forma = Forma(pdf, u"Tiendanova_Tiendanova"_s);
-        ASSERT_TRUE(forma);
-        EXPECT_EQ(forma->cx, c.cx);
-        EXPECT_EQ(forma->cy, c.cy);
+        EXPECT_EQ(TamanoDeForma(pdf, u"Tiendanova_Tiendanova"_s), QSize(c.cx, c.cy));
         EXPECT_EQ(cola::UltimaSeleccion(pdf).forma, u"Tiendanova_Tiendanova"_s);
         EXPECT_EQ(cola::ImpresorasAbiertas(), abiertas);
         EXPECT_EQ(Miembro(u"PaperSize"_s), 256);
