@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "automation/interfaces.h"
+#include "comun/objeto_grabador.h"
 #include "comun/utilerias_de_prueba.h"
 #include "kaloimpresora/impresora.h"
 #include "kaloimpresora/paramdata.h"
@@ -209,28 +210,14 @@ TEST(Despacho, CreaObjetoPorIdentificador) {
         EXPECT_EQ(NumeroDeError([&] { CreaObjeto(QString::fromLatin1(id)); }), 429) << id;
 }
 
-// A host's own object: only the two virtual members, nothing else.
-class Contador : public Objeto {
-public:
-    int32_t IdDeNombre(const QString& nombre) const override {
-        return nombre.compare(u"Cuenta"_s, Qt::CaseInsensitive) == 0 ? 1 : kDispidDesconocido;
-    }
-    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> args) override {
-        if (dispid != 1) return Objeto::Invoca(dispid, tipo, args);
-        if (tipo == Llamada::AsignaValor) cuenta = CLng(args[0]);
-        return Variant(cuenta);
-    }
-    int32_t cuenta = 0;
-};
-
 TEST(Despacho, ObjetosDelAnfitrionSeGuardanYSeConviertenPorSuMiembroPredeterminado) {
     Impresora imp;
-    auto propio = std::make_shared<Contador>();
+    // A host's own object: one member and no default member.
+    auto propio = std::make_shared<prueba::ObjetoGrabador>(QStringList{u"Cuenta"_s});
     imp.AsignaObjeto(u"Imagen3"_s, propio);
     imp.Lee(u"Imagen3"_s).objeto()->Asigna(u"cuenta"_s, "12");
-    EXPECT_EQ(propio->cuenta, 12);
+    EXPECT_EQ(propio->Registro(), QStringList{u"Asigna cuenta=12"_s});
     EXPECT_EQ(NumeroDeError([&] { propio->Lee(u"Otra"_s); }), 438);
-    // No default member: assigning it as a value fails with 438 from the object.
     EXPECT_EQ(NumeroDeError([&] { imp.Asigna(u"nRow"_s, Variant(propio)); }), 438);
     EXPECT_EQ(NumeroDeError([&] { imp.Asigna(u"nRow"_s, Variant::Nada()); }), 91);
 }
