@@ -1,20 +1,18 @@
 // The barcodes the component draws, driven as a host drives it and read back
-// by zbar: on a preview surface, and through the embedded PDF printer.
+// by zbar on a preview surface. On paper they are read back in the print
+// queue's tests (tests/cups).
 
 #include <gtest/gtest.h>
 
 #include <QImage>
-#include <QProcess>
-#include <QTemporaryDir>
-#include <algorithm>
 #include <functional>
 
 #include "comun/lectura_de_barras.h"
+#include "comun/objeto_grabador.h"
 #include "kaloimpresora/impresora.h"
 #include "kaloimpresora/impresoras.h"
 #include "kaloimpresora/superficies.h"
 #include "target/imagen.h"
-#include "target/impresora_sistema.h"
 
 namespace kalo {
 namespace {
@@ -30,41 +28,24 @@ using prueba::Lee;
 constexpr double kPpp = 300;
 const QSize kPagina(8.5 * kPpp, 2 * kPpp);
 
-std::vector<Lectura> Ordenadas(std::vector<Lectura> l) {
-    std::sort(l.begin(), l.end());
-    return l;
+// What a host's preview shows after one document with dibuja in it.
+QImage EnVista(const std::function<void(Impresora&)>& dibuja) {
+    // Even the preview asks the current printer for its offsets.
+    EstableceImpresoraActual(std::make_shared<prueba::ObjetoGrabador>());
+    auto superficie = CreaSuperficieDeImagen(kPagina.width(), kPagina.height(), kPpp);
+    Impresora imp;
+    imp.Pantalla = true;
+    imp.Imagen2 = superficie;
+    // A logical page the surface's size: one inch drawn is one inch seen.
+    imp.FormaAncho(kPagina.width() / kPpp);
+    imp.FormaAlto(kPagina.height() / kPpp);
+    imp.IniciaDocumento();
+    dibuja(imp);
+    imp.FinDocumento();
+    return std::dynamic_pointer_cast<Imagen>(superficie->Lee(u"Image"_s).objeto())->imagen();
 }
 
-class LecturaDeBarras : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_TRUE(carpeta.isValid());
-        // Even the preview asks the current printer for its offsets; this one
-        // keeps the print server out of the test.
-        impresora = ImpresoraDelSistema::EnPdf(carpeta.path());
-        EstableceImpresoraActual(impresora);
-    }
-
-    // What a host's preview shows after one document with dibuja in it.
-    QImage EnVista(const std::function<void(Impresora&)>& dibuja) {
-        auto superficie = CreaSuperficieDeImagen(kPagina.width(), kPagina.height(), kPpp);
-        Impresora imp;
-        imp.Pantalla = true;
-        imp.Imagen2 = superficie;
-        // A logical page the surface's size: one inch drawn is one inch seen.
-        imp.FormaAncho(kPagina.width() / kPpp);
-        imp.FormaAlto(kPagina.height() / kPpp);
-        imp.IniciaDocumento();
-        dibuja(imp);
-        imp.FinDocumento();
-        return std::dynamic_pointer_cast<Imagen>(superficie->Lee(u"Image"_s).objeto())->imagen();
-    }
-
-    QTemporaryDir carpeta;
-    std::shared_ptr<ImpresoraDelSistema> impresora;
-};
-
-TEST_F(LecturaDeBarras, Codigo39EnLaVista) {
+TEST(LecturaDeBarras, Codigo39EnLaVista) {
     struct Caso {
         Variant angosto;  // twips
         QString mensaje;
@@ -101,7 +82,7 @@ TEST_F(LecturaDeBarras, Codigo39EnLaVista) {
     }
 }
 
-TEST_F(LecturaDeBarras, ImagenesEstiradasEnLaVista) {
+TEST(LecturaDeBarras, ImagenesEstiradasEnLaVista) {
     struct Caso {
         const char* metodo;
         QString datos;
@@ -138,28 +119,6 @@ TEST_F(LecturaDeBarras, ImagenesEstiradasEnLaVista) {
             });
             EXPECT_EQ(Lee(imagen), std::vector<Lectura>{c.leida});
         }
-}
-
-TEST_F(LecturaDeBarras, EnElPdfDeLaImpresora) {
-    Impresora imp;
-    imp.Pantalla = false;
-    imp.IniciaDocumento();
-    imp.Codigo39(1440, 1440, 15, 900, u"ABC-12"_s, true, int16_t{1});
-    imp.BarEAN13(60, u"750100000001"_s, 1.0, 3.0, 3.0, 1.0);
-    imp.FinDocumento();
-    const QString pdf = CStr(impresora->Lee(u"ArchivoDeSalida"_s));
-    ASSERT_FALSE(pdf.isEmpty());
-
-    const QString base = carpeta.filePath(u"pagina"_s);
-    QProcess pdftoppm;
-    pdftoppm.start(u"pdftoppm"_s, {u"-r"_s, u"300"_s, u"-png"_s, u"-singlefile"_s, pdf, base});
-    ASSERT_TRUE(pdftoppm.waitForFinished(60000));
-    ASSERT_EQ(pdftoppm.exitCode(), 0) << pdftoppm.readAllStandardError().toStdString();
-    const QImage pagina(base + u".png"_s);
-    ASSERT_FALSE(pagina.isNull());
-
-    EXPECT_EQ(Ordenadas(Lee(pagina)),
-              Ordenadas({{ZBAR_CODE39, "ABC-12T"}, {ZBAR_EAN13, "7501000000012"}}));
 }
 
 }  // namespace
