@@ -319,22 +319,10 @@ TEST_F(Codigo39, RegistraSinData3YDibujaEnTwipsSobreLaVistaOAvisaDeUnCaracterNoV
     EXPECT_EQ(log.first(), u"Asigna scalemode=1"_s);
     EXPECT_EQ(log.last(), u"Asigna scalemode=5"_s);
     EXPECT_EQ(log.filter(u"scalemode"_s).size(), 2);
-}
-
-TEST_F(Codigo39, SoloElNumeroUnoAgregaElVerificador) {
-    modulo4::Estado().objDestino = vista;
-    struct Caso {
-        Variant mensaje, verificador;
-        QString simbolo;
-    } casos[] = {{u"12345"_s, 1, u"*12345F*"_s},       {u"12345"_s, u"1"_s, u"*12345F*"_s},
-                 {u"12345"_s, true, u"*12345*"_s},    {u"12345"_s, Variant::Nulo(), u"*12345*"_s},
-                 {u"*12345*"_s, 1, u"*12345*F*"_s}};
-    for (const auto& c : casos) {
-        vista->llamados.clear();
-        imp.Codigo39(0, 0, 15, 600, c.mensaje, false, c.verificador);
-        EXPECT_EQ(Lee39(Barras(*vista), 15), c.simbolo) << CStr(c.verificador).toStdString();
-        EXPECT_EQ(Legible(*vista), c.simbolo);
-    }
+    // The check character goes after the stop star of a message that has its own.
+    vista->llamados.clear();
+    imp.Codigo39(0, 0, 15, 600, u"*12345*"_s, false, 1);
+    EXPECT_EQ(Lee39(Barras(*vista), 15), u"*12345*F*"_s);
 }
 
 TEST_F(Codigo39, EnLaImpresoraConLimitesYSinDesplazamientos) {

@@ -58,7 +58,9 @@ TEST(LecturaDeBarras, Codigo39EnLaVista) {
         {20, u"12345"_s, omitido, false, "12345"},
         // zbar hands the check character back as data.
         {20, u"12345"_s, int16_t{1}, false, "12345F"},
+        {20, u"12345"_s, u"1"_s, false, "12345F"},
         {20, u"12345"_s, true, false, "12345"},  // true is not the number 1
+        {20, u"12345"_s, Variant::Nulo(), false, "12345"},
         {20, u"ABC-12"_s, omitido, false, "ABC-12"},
         {20, u"*ABC-12*"_s, omitido, false, "ABC-12"},
         {30, u"CODE 39"_s, int16_t{1}, false, "CODE 39R"},
@@ -73,8 +75,7 @@ TEST(LecturaDeBarras, Codigo39EnLaVista) {
          "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ-. $/+%"},
     };
     for (const Caso& c : casos) {
-        SCOPED_TRACE(c.mensaje.toStdString() + " angosto " + std::to_string(CInt(c.angosto)) + " verificador " +
-                     (c.verificador.esFalta() ? "omitido" : CStr(c.verificador).toStdString()));
+        SCOPED_TRACE(&c - casos);
         const QImage imagen = EnVista([&](Impresora& imp) {
             imp.Codigo39(720, 720, c.angosto, 900, c.mensaje, c.caja, c.verificador, u"Lote 7"_s, u"Caja 3"_s);
         });
@@ -91,19 +92,15 @@ TEST(LecturaDeBarras, ImagenesEstiradasEnLaVista) {
     };
     const Caso casos[] = {
         {"Bar128", u"0123456789"_s, {}, {ZBAR_CODE128, "0123456789"}},
-        {"Bar128", u"Pedido 4512"_s, {}, {ZBAR_CODE128, "Pedido 4512"}},
-        {"Bar128", u"LOTE 20240517"_s, {}, {ZBAR_CODE128, "LOTE 20240517"}},
         {"Bar128", u"LOTE\t42"_s, {}, {ZBAR_CODE128, "LOTE\t42"}},
-        {"Bar128", u"Hola, cliente 7"_s, {false}, {ZBAR_CODE128, "Hola, cliente 7"}},
+        {"Bar128", u"Pedido 4512"_s, {false}, {ZBAR_CODE128, "Pedido 4512"}},
         // zbar hands the check character back as data.
         {"Bar3de9", u"ABC-12"_s, {true}, {ZBAR_CODE39, "ABC-12T"}},
         {"Bar3de9", u"ABC-123"_s, {false, false}, {ZBAR_CODE39, "ABC-123"}},
         // Twelve or seven digits: the symbol carries its computed check digit.
         {"BarEAN13", u"750100000001"_s, {}, {ZBAR_EAN13, "7501000000012"}},
-        {"BarEAN13", u"590123412345"_s, {}, {ZBAR_EAN13, "5901234123457"}},
         {"BarEAN13", u"4006381333931"_s, {false}, {ZBAR_EAN13, "4006381333931"}},
         {"BarEAN8", u"1234567"_s, {}, {ZBAR_EAN8, "12345670"}},
-        {"BarEAN8", u"9638507"_s, {}, {ZBAR_EAN8, "96385074"}},
         {"BarEAN8", u"96385074"_s, {false}, {ZBAR_EAN8, "96385074"}},
     };
     // Inches. Neither has a picture's proportions: one wide and flat, one
