@@ -12,29 +12,22 @@ namespace {
 
 TEST(Ayudas, RellenoYRepeticion) {
     Impresora imp;
-    struct Caso {
-        Variant texto;
-        Variant ancho;
-        const char* esperado;
-    } rellenos[] = {
+    // PadL pads on the left just as PadR does: hosts rely on the sameness.
+    const std::tuple<Variant, Variant, const char*> rellenos[] = {
         {"ab", 5, "   ab"}, {"abcdef", 3, "abcdef"}, {12, 4, "  12"}, {"", 0, ""}, {"x", -3, "x"},
         {"ab", 4.5, "  ab"},    // 2.5 halves to 2
         {"ab", 5.5, "    ab"},  // 3.5 halves to 4
     };
-    for (const auto& c : rellenos) {
-        EXPECT_EQ(imp.PadR(c.texto, c.ancho), QString::fromLatin1(c.esperado)) << c.esperado;
-        EXPECT_EQ(imp.PadL(c.texto, c.ancho), QString::fromLatin1(c.esperado)) << c.esperado;
+    for (const auto& [texto, ancho, esperado] : rellenos) {
+        EXPECT_EQ(imp.PadR(texto, ancho), QString::fromLatin1(esperado)) << esperado;
+        EXPECT_EQ(imp.PadL(texto, ancho), QString::fromLatin1(esperado)) << esperado;
     }
-    struct Repite {
-        Variant pieza;
-        Variant veces;
-        const char* esperado;
-    } repeticiones[] = {
-        {"-", 0, ""},     {"-", -2, ""},    {"ab", 3, "ababab"}, {"ab", 2.5, "abab"},
-        {"=", "3", "==="}, {7, 2, "77"},     {Variant::Nulo(), 4, ""},
+    const std::tuple<Variant, Variant, const char*> repeticiones[] = {
+        {"-", 0, ""}, {"-", -2, ""}, {"ab", 3, "ababab"}, {"ab", 2.5, "abab"}, {"=", "3", "==="}, {7, 2, "77"},
+        {Variant::Nulo(), 4, ""},
     };
-    for (const auto& c : repeticiones) EXPECT_EQ(imp.Replicate(c.pieza, c.veces), QString::fromLatin1(c.esperado));
-
+    for (const auto& [pieza, veces, esperado] : repeticiones)
+        EXPECT_EQ(imp.Replicate(pieza, veces), QString::fromLatin1(esperado)) << esperado;
     EXPECT_EQ(NumeroDeError([&] { imp.PadR(Variant::Nulo(), 3); }), 94);
     EXPECT_EQ(NumeroDeError([&] { imp.Replicate("-", "muchas"); }), 13);
     EXPECT_EQ(NumeroDeError([&] { imp.Replicate("-", Variant::Nulo()); }), 94);
@@ -44,49 +37,34 @@ TEST(Ayudas, ComillasInsercionYReemplazo) {
     Impresora imp;
     EXPECT_EQ(imp.Block(u"a b"_s), u"\"a b\""_s);
     EXPECT_EQ(imp.Quote(u"a b"_s), u"'a b'"_s);
-    struct Caso {
-        const char* inserta;
-        const char* busca;
-        const char* destino;
-        const char* unaVez;
-        const char* todas;
-    } casos[] = {
-        {"X", "b", "abcabc", "aXcabc", "aXcaXc"}, {"", "ab", "abcabc", "cabc", "cc"}, {"X", "z", "abc", "abc", "abc"},
-        {"X", "", "abc", "abc", "abc"}, {"aa", "aaa", "aaaaaa", "aaaaa", "aa"}, {"cd", "abc", "abc", "cd", "cd"},
+    // What to insert, what to find, where: once, and every time.
+    const std::tuple<QString, QString, QString, QString, QString> casos[] = {
+        {u"X"_s, u"b"_s, u"abcabc"_s, u"aXcabc"_s, u"aXcaXc"_s}, {u""_s, u"ab"_s, u"abcabc"_s, u"cabc"_s, u"cc"_s},
+        {u"X"_s, u"z"_s, u"abc"_s, u"abc"_s, u"abc"_s},          {u"X"_s, u""_s, u"abc"_s, u"abc"_s, u"abc"_s},
+        {u"aa"_s, u"aaa"_s, u"aaaaaa"_s, u"aaaaa"_s, u"aa"_s},   {u"cd"_s, u"abc"_s, u"abc"_s, u"cd"_s, u"cd"_s},
     };
-    for (const auto& c : casos) {
-        SCOPED_TRACE(c.destino);
-        const QString destino = QString::fromLatin1(c.destino);
-        EXPECT_EQ(imp.Inserta(QString::fromLatin1(c.inserta), QString::fromLatin1(c.busca), destino),
-                  QString::fromLatin1(c.unaVez));
+    for (const auto& [inserta, busca, destino, unaVez, todas] : casos) {
         QString variable = destino;
-        EXPECT_EQ(imp.Cambia(QString::fromLatin1(c.inserta), QString::fromLatin1(c.busca), variable),
-                  QString::fromLatin1(c.todas));
-        EXPECT_EQ(variable, QString::fromLatin1(c.todas));
+        EXPECT_EQ(imp.Inserta(inserta, busca, destino), unaVez) << destino.toStdString();
+        EXPECT_EQ(imp.Cambia(inserta, busca, variable), todas) << destino.toStdString();
+        EXPECT_EQ(variable, todas) << destino.toStdString();
     }
 }
 
 TEST(Ayudas, LineasDeUnTexto) {
     Impresora imp;
     const Variant texto(u"uno\r\ndos\nt\rres"_s);
-    struct Caso {
-        Variant linea;
-        const char* esperado;
-    } casos[] = {
+    const std::pair<Variant, const char*> lineas[] = {
         {1, "uno"}, {2, "dos"}, {3, "tres"}, {4, ""}, {0, ""}, {-1, ""}, {"2", "dos"}, {1.5, ""}, {"dos", ""},
     };
-    for (const auto& c : casos) EXPECT_EQ(imp.strLinea(texto, c.linea), QString::fromLatin1(c.esperado));
+    for (const auto& [linea, esperado] : lineas) EXPECT_EQ(imp.strLinea(texto, linea), QString::fromLatin1(esperado));
     EXPECT_EQ(imp.strLinea(u"uno\r\ndos"_s, 3), u""_s);
     EXPECT_EQ(imp.strLinea(u"solo"_s, 1), u"solo"_s);
-
-    struct Cuenta {
-        Variant texto;
-        int32_t lineas;
-    } cuentas[] = {
-        {u""_s, 0},          {u"sin salto"_s, 1}, {u"a\nb"_s, 2}, {u"a\nb\n"_s, 3},
-        {u"\n\n"_s, 3},      {Variant(), 0},       {Variant::Nulo(), 0}, {12345, 1},
+    const std::pair<Variant, int32_t> cuentas[] = {
+        {u""_s, 0},  {u"sin salto"_s, 1}, {u"a\nb"_s, 2},       {u"a\nb\n"_s, 3},
+        {u"\n\n"_s, 3}, {Variant(), 0},       {Variant::Nulo(), 0}, {12345, 1},
     };
-    for (const auto& c : cuentas) EXPECT_EQ(imp.CuantasLineas(c.texto), c.lineas) << CStr(c.texto).toStdString();
+    for (const auto& [valor, cuantas] : cuentas) EXPECT_EQ(imp.CuantasLineas(valor), cuantas) << cuantas;
 }
 
 // Counts how often the decimal separator is asked for.
