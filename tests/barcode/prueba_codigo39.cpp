@@ -122,21 +122,19 @@ QString Legible(const ObjetoGrabador& d) {
 }
 
 TEST(BarCode39, AjustesAlLimiteYCaracteresSinPatron) {
-    struct Caso {
-        double angosto, angostoGuardado;
-        int16_t alto, altoGuardado;
-    } casos[] = {{10.9999, 11, 299, 300}, {11.0001, 11.0001, 300, 300}, {20.5, 20.5, 1000, 1000}};
-    for (const auto& c : casos) {
+    // Narrow and height given, and kept; the limits go back through the argument.
+    const std::tuple<double, double, int16_t, int16_t> casos[] = {
+        {10.9999, 11, 299, 300}, {11.0001, 11.0001, 300, 300}, {20.5, 20.5, 1000, 1000}};
+    for (const auto& [dado, guardado, altoDado, altoGuardado] : casos) {
         clsBarCode39 b;
-        Moneda angosto = CCur(c.angosto);
+        Moneda angosto = CCur(dado);
         b.NarrowX(angosto);
-        int16_t alto = c.alto;
+        int16_t alto = altoDado;
         b.BarcodeHeight(alto);
-        // The limits go back through the argument.
-        EXPECT_EQ(angosto, CCur(c.angostoGuardado));
-        EXPECT_EQ(b.NarrowX(), CCur(c.angostoGuardado));
-        EXPECT_EQ(alto, c.altoGuardado);
-        EXPECT_EQ(b.TotalHeight(), c.altoGuardado + 525);
+        EXPECT_EQ(angosto, CCur(guardado));
+        EXPECT_EQ(b.NarrowX(), CCur(guardado));
+        EXPECT_EQ(alto, altoGuardado);
+        EXPECT_EQ(b.TotalHeight(), altoGuardado + 525);
     }
     clsBarCode39 b;
     int16_t alto = 32243;
@@ -157,19 +155,17 @@ TEST(BarCode39, AjustesAlLimiteYCaracteresSinPatron) {
 }
 
 TEST(BarCode39, DigitoVerificadorModulo43) {
-    struct {
-        QString codigo, digito;
-        int32_t error;
-    } casos[] = {{u""_s, u"F"_s, 0},         // the stored *12345*: 15
-                 {u"CODE39"_s, u"W"_s, 0},   // 75 mod 43 = 32
-                 {u"*Z8*"_s, u"0"_s, 0},     // 43
-                 {u"%%"_s, u"+"_s, 0},       // 84 mod 43 = 41
-                 {u"1a"_s, u"1"_s, 5970},    // no value, adds nothing
-                 {u"a1"_s, u"1"_s, 0}};      // a valid last character clears it
+    const std::tuple<QString, QString, int32_t> casos[] = {
+        {u""_s, u"F"_s, 0},       // the stored *12345*: 15
+        {u"CODE39"_s, u"W"_s, 0}, // 75 mod 43 = 32
+        {u"*Z8*"_s, u"0"_s, 0},   // 43
+        {u"%%"_s, u"+"_s, 0},     // 84 mod 43 = 41
+        {u"1a"_s, u"1"_s, 5970},  // no value, adds nothing
+        {u"a1"_s, u"1"_s, 0}};    // a valid last character clears it
     clsBarCode39 b;
-    for (const auto& c : casos) {
-        EXPECT_EQ(b.FindCheckDigit(c.codigo), c.digito) << c.codigo.toStdString();
-        EXPECT_EQ(b.ErrNumber(), c.error);
+    for (const auto& [codigo, digito, error] : casos) {
+        EXPECT_EQ(b.FindCheckDigit(codigo), digito) << codigo.toStdString();
+        EXPECT_EQ(b.ErrNumber(), error) << codigo.toStdString();
     }
     EXPECT_EQ(NumeroDeError([&] { b.FindCheckDigit(QString(781, u'%')); }), err::kDesbordamiento);
     b.RaiseError(true);
@@ -177,41 +173,35 @@ TEST(BarCode39, DigitoVerificadorModulo43) {
 }
 
 TEST(BarCode39, CeldasDeDieciseisAngostosYMarcoDelTamanoTotal) {
-    struct Caso {
-        QString barcode, dibujado;
-        bool marco;
-        int angosto;
-    } casos[] = {{u"ABC"_s, u"*ABC*"_s, false, 20},
-                 {u"*AB"_s, u"*AB*"_s, true, 11},
-                 {u"A*B"_s, u"*A*B*"_s, true, 15},
-                 {u""_s, u"*"_s, true, 15}};
-    for (const auto& c : casos) {
-        SCOPED_TRACE(c.barcode.toStdString());
+    // Barcode given, as drawn, framed, narrow.
+    const std::tuple<QString, QString, bool, int> casos[] = {
+        {u"ABC"_s, u"*ABC*"_s, false, 20}, {u"*AB"_s, u"*AB*"_s, true, 11},
+        {u"A*B"_s, u"*A*B*"_s, true, 15},  {u""_s, u"*"_s, true, 15}};
+    for (const auto& [barcode, dibujado, marco, angosto] : casos) {
+        SCOPED_TRACE(barcode.toStdString());
         auto d = Destino();
         clsBarCode39 b;
-        b.Barcode(c.barcode);
-        b.ShowBox(c.marco);
+        b.Barcode(barcode);
+        b.ShowBox(marco);
         b.CurrentX(1000);
         b.CurrentY(2000);
-        Moneda n = CCur(c.angosto);
+        Moneda n = CCur(angosto);
         b.NarrowX(n);
         const int32_t anchoAntes = b.TotalWidth();
         b.Draw(d);
         EXPECT_EQ(b.ErrNumber(), 0);
-        EXPECT_EQ(b.Barcode(), c.dibujado);
-        EXPECT_EQ(anchoAntes, 16 * c.angosto * c.barcode.size() + 300);
-        EXPECT_EQ(b.TotalWidth(), 16 * c.angosto * c.dibujado.size() + 300);
-
+        EXPECT_EQ(b.Barcode(), dibujado);
+        EXPECT_EQ(anchoAntes, 16 * angosto * barcode.size() + 300);
+        EXPECT_EQ(b.TotalWidth(), 16 * angosto * dibujado.size() + 300);
         const auto e = Barras(*d);
-        ASSERT_EQ(e.size(), 10u * c.dibujado.size());
-        EXPECT_EQ(Lee39(e, c.angosto), c.dibujado);
-        EXPECT_EQ(Legible(*d), c.dibujado);
+        ASSERT_EQ(Lee39(e, angosto), dibujado);
+        EXPECT_EQ(Legible(*d), dibujado);
         // 150 inside the frame's corner, with or without the frame.
         EXPECT_EQ(e.front().x, 1150);
         for (const auto& el : e) EXPECT_TRUE(el.y == 2150 && el.alto == 600);
         const QStringList lineas = d->Registro().filter(u"Llama line("_s);
-        ASSERT_EQ(lineas.size(), e.size() + (c.marco ? 1 : 0));
-        if (c.marco) {
+        ASSERT_EQ(lineas.size(), e.size() + (marco ? 1 : 0));
+        if (marco) {
             EXPECT_EQ(lineas.first(), u"Llama line(30,1000,2000,%1,%2,0)"_s.arg(b.TotalWidth()).arg(b.TotalHeight()));
         }
     }
@@ -252,31 +242,26 @@ TEST(BarCode39, TextosCentradosEnSuCeldaYFuenteAlTerminar) {
 }
 
 TEST(BarCode39, UnDestinoQueFallaDa438) {
-    struct Caso {
-        const char* falta;  // the member the target lacks
-        int32_t x;
-        size_t lineas;
-        QString fuente;
-    } casos[] = {{"TextWidth", 0, 1, u"Arial"_s},
-                 {"Font", 0, 1, u"Courier New"_s},
-                 {"Line", 0, 0, u"Courier New"_s},
-                 {"", INT32_MAX - 100, 0, u"Courier New"_s}};  // the position overflows
+    // The member the target lacks, the position, lines drawn, font name left.
+    const std::tuple<const char*, int32_t, size_t, QString> casos[] = {
+        {"TextWidth", 0, 1, u"Arial"_s}, {"Font", 0, 1, u"Courier New"_s}, {"Line", 0, 0, u"Courier New"_s},
+        {"", INT32_MAX - 100, 0, u"Courier New"_s}};  // the position overflows
     for (bool lanza : {false, true})
-        for (const auto& c : casos) {
-            SCOPED_TRACE(c.falta);
+        for (const auto& [falta, x, lineas, fuente] : casos) {
+            SCOPED_TRACE(falta);
             QStringList miembros = {u"Line"_s, u"Font"_s, u"TextWidth"_s, u"CurrentX"_s, u"CurrentY"_s, u"Print"_s};
-            miembros.removeAll(QString::fromLatin1(c.falta));
+            miembros.removeAll(QString::fromLatin1(falta));
             auto d = Destino(miembros);
             clsBarCode39 b;
-            b.CurrentX(c.x);
+            b.CurrentX(x);
             b.RaiseError(lanza);
             EXPECT_EQ(Falla([&] { b.Draw(d); }), lanza ? u"438 clsBarcode39.Barcode"_s : QString());
             EXPECT_EQ(b.ErrNumber(), 438);
             EXPECT_EQ(b.ErrDescription(), u"Invalid control in use. Support only picturebox, form, and printer."_s);
-            EXPECT_EQ(d->De(u"Line"_s).size(), c.lineas);
+            EXPECT_EQ(d->De(u"Line"_s).size(), lineas);
             // Stopped at once: the font is not put back.
             auto f = std::static_pointer_cast<ObjetoGrabador>(d->Valor(u"Font"_s).objeto());
-            EXPECT_EQ(f->Valor(u"Name"_s).texto(), c.fuente);
+            EXPECT_EQ(f->Valor(u"Name"_s).texto(), fuente);
         }
     clsBarCode39 b;
     b.Draw(nullptr);
@@ -342,21 +327,17 @@ TEST_F(Codigo39, EnLaImpresoraConLimitesYSinDesplazamientos) {
 
 TEST_F(Codigo39, ErroresAntesYDespuesDeRegistrar) {
     modulo4::Estado().objDestino = vista;
-    struct Caso {
-        const char* nombre;
-        std::function<void()> llamada;
-        int32_t error, registrados;
-    } casos[] = {
+    const std::tuple<const char*, std::function<void()>, int32_t, int32_t> casos[] = {
         {"x no numerica", [&] { imp.Codigo39(u"x"_s, 0, 15, 600, u"1"_s); }, err::kTiposNoCoinciden, 0},
         {"caja nula", [&] { imp.Codigo39(0, 0, 15, 600, u"1"_s, Variant::Nulo()); }, err::kUsoNoValidoDeNull, 1},
         {"alto enorme", [&] { imp.Codigo39(0, 0, 15, 40000, u"1"_s); }, err::kDesbordamiento, 1},
         {"sin destino", [&] { modulo4::Estado().objDestino = nullptr; imp.Codigo39(0, 0, 15, 600, u"1"_s); },
          err::kObjetoNoEstablecido, 1},
     };
-    for (const auto& c : casos) {
+    for (const auto& [nombre, llamada, error, registrados] : casos) {
         const int32_t antes = imp.nLinea;
-        EXPECT_EQ(NumeroDeError(c.llamada), c.error) << c.nombre;
-        EXPECT_EQ(imp.nLinea - antes, c.registrados) << c.nombre;
+        EXPECT_EQ(NumeroDeError(llamada), error) << nombre;
+        EXPECT_EQ(imp.nLinea - antes, registrados) << nombre;
     }
     EXPECT_TRUE(Barras(*vista).empty());
 
@@ -373,16 +354,12 @@ TEST_F(Codigo39, ErroresAntesYDespuesDeRegistrar) {
 TEST(Codigo39MsgBox, LaCajaRealDevuelveElBotonPulsado) {
     AseguraAplicacion();
     EstablecePresentadorDeMensajes({});  // the real box, not the suite's guard
-    struct {
-        int32_t estilo;
-        QString boton;
-        int32_t respuesta;
-        QMessageBox::Icon icono;
-        QString predeterminado;
-    } casos[] = {{16, u"Aceptar"_s, 1, QMessageBox::Critical, u"Aceptar"_s},
-                 {4 | 32 | 256, u"No"_s, 7, QMessageBox::Question, u"No"_s},
-                 {1 | 48, u"Cancelar"_s, 2, QMessageBox::Warning, u"Aceptar"_s}};
-    for (const auto& c : casos) {
+    // Style, button pressed, answer, icon, default button.
+    const std::tuple<int32_t, QString, int32_t, QMessageBox::Icon, QString> casos[] = {
+        {16, u"Aceptar"_s, 1, QMessageBox::Critical, u"Aceptar"_s},
+        {4 | 32 | 256, u"No"_s, 7, QMessageBox::Question, u"No"_s},
+        {1 | 48, u"Cancelar"_s, 2, QMessageBox::Warning, u"Aceptar"_s}};
+    for (const auto& [estilo, boton, respuesta, icono, predeterminado] : casos) {
         QStringList visto;
         QTimer reloj;
         int esperas = 0;
@@ -398,15 +375,15 @@ TEST(Codigo39MsgBox, LaCajaRealDevuelveElBotonPulsado) {
             }
             visto << caja->windowTitle() << caja->text()
                   << (caja->defaultButton() ? caja->defaultButton()->text() : QString());
-            EXPECT_EQ(caja->icon(), c.icono);
+            EXPECT_EQ(caja->icon(), icono);
             for (auto* b : caja->buttons())
-                if (b->text() == c.boton) return b->click();
-            ADD_FAILURE() << "sin el botón " << c.boton.toStdString();
+                if (b->text() == boton) return b->click();
+            ADD_FAILURE() << "sin el botón " << boton.toStdString();
             caja->done(0);
         });
         reloj.start(10);
-        EXPECT_EQ(MsgBox(u"¿Seguro?"_s, c.estilo, u"Título"_s), c.respuesta);
-        EXPECT_EQ(visto, (QStringList{u"Título"_s, u"¿Seguro?"_s, c.predeterminado}));
+        EXPECT_EQ(MsgBox(u"¿Seguro?"_s, estilo, u"Título"_s), respuesta);
+        EXPECT_EQ(visto, (QStringList{u"Título"_s, u"¿Seguro?"_s, predeterminado}));
     }
 }
 
