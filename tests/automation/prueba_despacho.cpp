@@ -12,10 +12,7 @@ using kalo::prueba::NumeroDeError;
 
 namespace {
 
-struct Enlace {
-    const char* nombre;
-    int32_t dispid;
-};
+using Enlace = std::pair<const char*, int32_t>;  // name and dispatch id
 
 // The published binding hosts rely on.
 const Enlace kImpresora[] = {
@@ -66,12 +63,13 @@ void CompruebaEnlaces(const Interfaz<Clase>& interfaz, const Enlace (&esperados)
     ASSERT_EQ(interfaz.miembros().size(), N);
     Clase objeto;
     for (size_t i = 0; i < N; ++i) {
-        const QString nombre = QString::fromLatin1(esperados[i].nombre);
-        SCOPED_TRACE(esperados[i].nombre);
+        const auto [texto, id] = esperados[i];
+        const QString nombre = QString::fromLatin1(texto);
+        SCOPED_TRACE(texto);
         EXPECT_EQ(interfaz.miembros()[i].nombre, nombre) << "interface order";
-        EXPECT_EQ(objeto.IdDeNombre(nombre), esperados[i].dispid);
-        EXPECT_EQ(objeto.IdDeNombre(nombre.toLower()), esperados[i].dispid);
-        EXPECT_EQ(objeto.IdDeNombre(nombre.toUpper()), esperados[i].dispid);
+        EXPECT_EQ(objeto.IdDeNombre(nombre), id);
+        EXPECT_EQ(objeto.IdDeNombre(nombre.toLower()), id);
+        EXPECT_EQ(objeto.IdDeNombre(nombre.toUpper()), id);
     }
 }
 
@@ -102,12 +100,7 @@ TEST(Despacho, LlamadasQueNoCorrespondenAlMiembro) {
     Impresora imp;
     const Variant objeto(std::make_shared<Impresora>());
     using enum Llamada;
-    struct Caso {
-        const char* miembro;
-        Llamada tipo;
-        std::vector<Variant> argumentos;
-        int32_t error;
-    } casos[] = {
+    std::tuple<const char*, Llamada, std::vector<Variant>, int32_t> casos[] = {
         {"NoExiste", LeePropiedad, {}, 438},
         // Let on an object property, set on a value property, assignment to a method.
         {"Imagen1", AsignaValor, {objeto}, 438},
@@ -128,11 +121,9 @@ TEST(Despacho, LlamadasQueNoCorrespondenAlMiembro) {
         {"Bar128", Metodo, {70000, "123", 0, 0, 1, 1}, 6},
         {"AbrirCajonDeDinero", Metodo, {"COM1", "7"}, 445},  // not available yet
     };
-    for (auto& c : casos) {
-        SCOPED_TRACE(c.miembro);
-        EXPECT_EQ(NumeroDeError([&] { imp.InvocaPorNombre(QString::fromLatin1(c.miembro), c.tipo, c.argumentos); }),
-                  c.error);
-    }
+    for (auto& [miembro, tipo, argumentos, error] : casos)
+        EXPECT_EQ(NumeroDeError([&] { imp.InvocaPorNombre(QString::fromLatin1(miembro), tipo, argumentos); }), error)
+            << miembro;
     EXPECT_EQ(imp.nRow, 66);
     // What is not available yet names itself.
     try {
@@ -156,12 +147,8 @@ TEST(Despacho, ParamDataSoloAceptaUnParamData) {
 }
 
 TEST(Despacho, OpcionalesOmitidosTomanSuValorPredeterminado) {
-    struct Caso {
-        const char* metodo;
-        std::vector<Variant> dados;
-        size_t ranuras;
-        std::vector<std::pair<size_t, Variant>> esperados;
-    } casos[] = {
+    // Method, arguments given, slots prepared, and some of those slots.
+    const std::tuple<const char*, std::vector<Variant>, size_t, std::vector<std::pair<size_t, Variant>>> casos[] = {
         {"Bar128", {int16_t{40}, "A1", 0, 0, 1, 1}, 7, {{6, true}}},
         {"Bar3de9", {int16_t{40}, "A1", 0, 0, 1, 1, Variant::Falta()}, 8, {{6, false}, {7, true}}},
         {"PaperSize", {5}, 4, {{0, int16_t{5}}, {1, 0.0}, {2, 0.0}, {3, u"Tiendanova"_s}}},
@@ -170,34 +157,29 @@ TEST(Despacho, OpcionalesOmitidosTomanSuValorPredeterminado) {
         // Typed by-reference parameters take the declared type.
         {"Copias", {"3"}, 1, {{0, int32_t{3}}}},
     };
-    for (const auto& c : casos) {
-        SCOPED_TRACE(c.metodo);
-        const int32_t id = Impresora().IdDeNombre(QString::fromLatin1(c.metodo));
-        const auto ranuras = PreparaArgumentos(InterfazImpresora().PorId(id)->parametros, c.dados);
-        ASSERT_EQ(ranuras.size(), c.ranuras);
-        for (const auto& [i, valor] : c.esperados) EXPECT_TRUE(ranuras[i].identico(valor)) << i;
+    for (const auto& [metodo, dados, cuantas, esperados] : casos) {
+        SCOPED_TRACE(metodo);
+        const int32_t id = Impresora().IdDeNombre(QString::fromLatin1(metodo));
+        const auto ranuras = PreparaArgumentos(InterfazImpresora().PorId(id)->parametros, dados);
+        ASSERT_EQ(ranuras.size(), cuantas);
+        for (const auto& [i, valor] : esperados) EXPECT_TRUE(ranuras[i].identico(valor)) << i;
     }
 }
 
 TEST(Despacho, PorReferenciaSoloDevuelveLoQueElMiembroCambia) {
     Impresora imp;
-    struct Caso {
-        const char* metodo;
-        std::vector<Variant> argumentos;
-        Variant devuelto;
-        std::vector<Variant> despues;
-    } casos[] = {
+    // Method, arguments, what it returns, the arguments afterwards.
+    std::tuple<const char*, std::vector<Variant>, Variant, std::vector<Variant>> casos[] = {
         {"Cambia", {"-", "a", "banana"}, u"b-n-n-"_s, {"-", "a", u"b-n-n-"_s}},
         // A number passed for a text parameter that the member leaves alone keeps its type.
         {"Cambia", {int32_t{1}, "x", "abc"}, u"abc"_s, {int32_t{1}, "x", "abc"}},
         {"Prepara", {"it's 'x'"}, u"it\"s \"x\""_s, {u"it\"s \"x\""_s}},
         {"Replicate", {"ab", 2.5}, u"abab"_s, {"ab", 2.5}},
     };
-    for (auto& c : casos) {
-        SCOPED_TRACE(c.metodo);
-        EXPECT_TRUE(imp.InvocaPorNombre(QString::fromLatin1(c.metodo), Llamada::Metodo, c.argumentos)
-                        .identico(c.devuelto));
-        for (size_t i = 0; i < c.argumentos.size(); ++i) EXPECT_TRUE(c.argumentos[i].identico(c.despues[i])) << i;
+    for (auto& [metodo, argumentos, devuelto, despues] : casos) {
+        SCOPED_TRACE(metodo);
+        EXPECT_TRUE(imp.InvocaPorNombre(QString::fromLatin1(metodo), Llamada::Metodo, argumentos).identico(devuelto));
+        for (size_t i = 0; i < argumentos.size(); ++i) EXPECT_TRUE(argumentos[i].identico(despues[i])) << i;
     }
 }
 
