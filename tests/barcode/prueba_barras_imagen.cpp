@@ -56,32 +56,29 @@ protected:
 };
 
 TEST_F(BarrasComoImagen, ComandosYPedidosConSusValoresPorOmision) {
-    struct Caso {
-        const char* metodo;
-        std::vector<Variant> argumentos;
-        const char* comando;
-        const char* pedido;
-    } casos[] = {
-        {"Bar128", {int16_t{40}, "AB\"1", 1, 2, 3, 0.5}, "Bar128 Fn(\"40\"),\"AB\"1\",Fn(\"1\"),Fn(\"2\"),Fn(\"3\"),Fn(\"0.5\"),True",
-         "128|40|AB\"1|-H"},
-        {"Bar3de9", {60, "CODE", 0, 0, 2, 1}, "Bar3de9 Fn(\"60\"),\"CODE\",Fn(\"0\"),Fn(\"0\"),Fn(\"2\"),Fn(\"1\"),False,True",
-         "39|60|CODE|-H"},
-        {"Bar3de9", {60, "CODE", 0, 0, 2, 1, true, false}, "Bar3de9 Fn(\"60\"),\"CODE\",Fn(\"0\"),Fn(\"0\"),Fn(\"2\"),Fn(\"1\"),True,False",
-         "39|60|CODE|S-"},
-        {"BarEAN13", {50, "750100000001", 1, 1, 2, 1, false}, "BarEAN13 Fn(\"50\"),\"750100000001\",Fn(\"1\"),Fn(\"1\"),Fn(\"2\"),Fn(\"1\"),False",
+    // Arguments by name, the command recorded, what the encoder is asked.
+    std::tuple<std::vector<Variant>, const char*, const char*> casos[] = {
+        {{int16_t{40}, "AB\"1", 1, 2, 3, 0.5},
+         "Bar128 Fn(\"40\"),\"AB\"1\",Fn(\"1\"),Fn(\"2\"),Fn(\"3\"),Fn(\"0.5\"),True", "128|40|AB\"1|-H"},
+        {{60, "CODE", 0, 0, 2, 1},
+         "Bar3de9 Fn(\"60\"),\"CODE\",Fn(\"0\"),Fn(\"0\"),Fn(\"2\"),Fn(\"1\"),False,True", "39|60|CODE|-H"},
+        {{60, "CODE", 0, 0, 2, 1, true, false},
+         "Bar3de9 Fn(\"60\"),\"CODE\",Fn(\"0\"),Fn(\"0\"),Fn(\"2\"),Fn(\"1\"),True,False", "39|60|CODE|S-"},
+        {{50, "750100000001", 1, 1, 2, 1, false},
+         "BarEAN13 Fn(\"50\"),\"750100000001\",Fn(\"1\"),Fn(\"1\"),Fn(\"2\"),Fn(\"1\"),False",
          "EAN13|50|750100000001|--"},
-        {"BarEAN8", {50, "1234567", 1, 1, 2, 1}, "BarEAN8 Fn(\"50\"),\"1234567\",Fn(\"1\"),Fn(\"1\"),Fn(\"2\"),Fn(\"1\"),True",
-         "EAN8|50|1234567|-H"},
+        {{50, "1234567", 1, 1, 2, 1},
+         "BarEAN8 Fn(\"50\"),\"1234567\",Fn(\"1\"),Fn(\"1\"),Fn(\"2\"),Fn(\"1\"),True", "EAN8|50|1234567|-H"},
     };
-    for (auto& c : casos) {
-        SCOPED_TRACE(c.metodo);
-        imp.InvocaPorNombre(QString::fromLatin1(c.metodo), Llamada::Metodo, c.argumentos);
-        EXPECT_EQ(UltimoComando(), QString::fromUtf8(c.comando) + u"\r\n"_s);
-        EXPECT_EQ(codificador->pedido, QString::fromUtf8(c.pedido));
+    for (auto& [argumentos, comando, pedido] : casos) {
+        SCOPED_TRACE(comando);
+        imp.InvocaPorNombre(QString::fromUtf8(comando).section(u' ', 0, 0), Llamada::Metodo, argumentos);
+        EXPECT_EQ(UltimoComando(), QString::fromUtf8(comando) + u"\r\n"_s);
+        EXPECT_EQ(codificador->pedido, QString::fromUtf8(pedido));
         const auto pintura = vista->De(u"PaintPicture"_s).back().argumentos;
         ASSERT_EQ(pintura.size(), 5u);
         EXPECT_EQ(pintura[0].objeto(), codificador->imagen);
-        EXPECT_TRUE(pintura[3].identico(c.argumentos[4]));
+        EXPECT_TRUE(pintura[3].identico(argumentos[4]));
     }
 }
 

@@ -26,18 +26,15 @@ bool Oscuro(const QImage& imagen, int x, int y) { return qGray(imagen.pixel(x, y
 // others), readable text only under the bars, pure black and white, clear
 // quiet zones and no element narrower than the 2-pixel module.
 TEST(BarrasImagenes, BarrasNitidasDelAltoPedidoYTextoDebajo) {
-    struct Caso {
-        Simbologia simbologia;
-        QString datos;
-        int izquierda, derecha;  // quiet zones in modules
-    } casos[] = {{Simbologia::Code128, u"Pedido 4512"_s, 10, 10},
-                 {Simbologia::Code39, u"ABC-123"_s, 10, 10},
-                 {Simbologia::EAN13, u"750100000001"_s, 11, 7},
-                 {Simbologia::EAN8, u"1234567"_s, 7, 7}};
-    for (const Caso& c : casos) {
-        SCOPED_TRACE(c.datos.toStdString());
+    // Quiet zones, left and right, in modules.
+    const std::tuple<Simbologia, QString, int, int> casos[] = {{Simbologia::Code128, u"Pedido 4512"_s, 10, 10},
+                                                               {Simbologia::Code39, u"ABC-123"_s, 10, 10},
+                                                               {Simbologia::EAN13, u"750100000001"_s, 11, 7},
+                                                               {Simbologia::EAN8, u"1234567"_s, 7, 7}};
+    for (const auto& [simbologia, datos, izquierda, derecha] : casos) {
+        SCOPED_TRACE(datos.toStdString());
         for (int16_t alto : {40, 81}) {
-            const QImage imagen = Dibuja(c.simbologia, alto, c.datos, false);
+            const QImage imagen = Dibuja(simbologia, alto, datos, false);
             int masBaja = imagen.height() + 1;
             for (int x = 0; x < imagen.width(); ++x) {
                 int racha = 0, larga = 0;
@@ -47,8 +44,8 @@ TEST(BarrasImagenes, BarrasNitidasDelAltoPedidoYTextoDebajo) {
             }
             EXPECT_EQ(masBaja, alto);
         }
-        const QImage con = Dibuja(c.simbologia, 60, c.datos).convertToFormat(QImage::Format_Grayscale8);
-        const QImage sin = Dibuja(c.simbologia, 60, c.datos, false);
+        const QImage con = Dibuja(simbologia, 60, datos).convertToFormat(QImage::Format_Grayscale8);
+        const QImage sin = Dibuja(simbologia, 60, datos, false);
         EXPECT_EQ(con.width(), sin.width());
         ASSERT_GT(con.height(), sin.height());
         int tinta = 0;
@@ -74,8 +71,8 @@ TEST(BarrasImagenes, BarrasNitidasDelAltoPedidoYTextoDebajo) {
                 masAngosto = std::min(masAngosto, x + 1 - inicio);
                 inicio = x + 1;
             }
-        EXPECT_GE(primero, 2 * c.izquierda);
-        EXPECT_LE(ultimo, con.width() - 1 - 2 * c.derecha);
+        EXPECT_GE(primero, 2 * izquierda);
+        EXPECT_LE(ultimo, con.width() - 1 - 2 * derecha);
         EXPECT_EQ(masAngosto, 2);
     }
 }
@@ -88,13 +85,7 @@ TEST(BarrasImagenes, Code128CompactaLosDigitosEnParejas) {
 }
 
 TEST(BarrasImagenes, RechazaLoQueLaSimbologiaNoAdmite) {
-    struct Caso {
-        Simbologia simbologia;
-        int16_t alto;
-        QString datos;
-        bool checkSum;
-    };
-    const Caso casos[] = {
+    const std::tuple<Simbologia, int16_t, QString, bool> casos[] = {
         {Simbologia::EAN13, 60, u"7501000000013"_s, false},  // wrong check digit
         {Simbologia::EAN8, 60, u"1234ABC"_s, false},
         {Simbologia::EAN13, 60, u"75010"_s, false},  // zint would make an add-on of it
@@ -104,10 +95,9 @@ TEST(BarrasImagenes, RechazaLoQueLaSimbologiaNoAdmite) {
         {Simbologia::Code128, 60, u""_s, false}, {Simbologia::Code128, 60, u"10 €"_s, false},
         {Simbologia::Code128, 0, u"A"_s, false}, {Simbologia::Code39, 4001, u"A"_s, false},
     };
-    for (const Caso& c : casos) {
-        SCOPED_TRACE(c.datos.toStdString() + " alto " + std::to_string(c.alto));
-        EXPECT_EQ(NumeroDeError([&] { ImagenDeBarras(c.simbologia, c.alto, c.datos, c.checkSum, true); }), 5);
-    }
+    for (const auto& [simbologia, alto, datos, checkSum] : casos)
+        EXPECT_EQ(NumeroDeError([&] { ImagenDeBarras(simbologia, alto, datos, checkSum, true); }), 5)
+            << datos.toStdString() << " alto " << alto;
     // The text names the symbology and the digit zint expected.
     try {
         ImagenDeBarras(Simbologia::EAN13, 60, u"7501000000013"_s, false, true);

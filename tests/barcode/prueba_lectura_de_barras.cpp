@@ -46,15 +46,9 @@ QImage EnVista(const std::function<void(Impresora&)>& dibuja) {
 }
 
 TEST(LecturaDeBarras, Codigo39EnLaVista) {
-    struct Caso {
-        Variant angosto;  // twips
-        QString mensaje;
-        Variant verificador;
-        bool caja;
-        std::string leido;
-    };
+    // Narrow (twips), message, check digit, frame, and what zbar reads.
     const Variant omitido = Variant::Falta();
-    const Caso casos[] = {
+    const std::tuple<Variant, QString, Variant, bool, std::string> casos[] = {
         {20, u"12345"_s, omitido, false, "12345"},
         // zbar hands the check character back as data.
         {20, u"12345"_s, int16_t{1}, false, "12345F"},
@@ -74,23 +68,18 @@ TEST(LecturaDeBarras, Codigo39EnLaVista) {
         {15, u"0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ-. $/+%"_s, omitido, false,
          "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ-. $/+%"},
     };
-    for (const Caso& c : casos) {
-        SCOPED_TRACE(&c - casos);
+    int fila = 0;
+    for (const auto& [angosto, mensaje, verificador, caja, leido] : casos) {
         const QImage imagen = EnVista([&](Impresora& imp) {
-            imp.Codigo39(720, 720, c.angosto, 900, c.mensaje, c.caja, c.verificador, u"Lote 7"_s, u"Caja 3"_s);
+            imp.Codigo39(720, 720, angosto, 900, mensaje, caja, verificador, u"Lote 7"_s, u"Caja 3"_s);
         });
-        EXPECT_EQ(Lee(imagen), (std::vector<Lectura>{{ZBAR_CODE39, c.leido}}));
+        EXPECT_EQ(Lee(imagen), (std::vector<Lectura>{{ZBAR_CODE39, leido}})) << "fila " << fila++;
     }
 }
 
 TEST(LecturaDeBarras, ImagenesEstiradasEnLaVista) {
-    struct Caso {
-        const char* metodo;
-        QString datos;
-        std::vector<Variant> banderas;  // after the rectangle; HR text when omitted
-        Lectura leida;
-    };
-    const Caso casos[] = {
+    // Method, data, the flags after the rectangle (readable text when omitted).
+    const std::tuple<const char*, QString, std::vector<Variant>, Lectura> casos[] = {
         {"Bar128", u"0123456789"_s, {}, {ZBAR_CODE128, "0123456789"}},
         {"Bar128", u"LOTE\t42"_s, {}, {ZBAR_CODE128, "LOTE\t42"}},
         {"Bar128", u"Pedido 4512"_s, {false}, {ZBAR_CODE128, "Pedido 4512"}},
@@ -106,15 +95,14 @@ TEST(LecturaDeBarras, ImagenesEstiradasEnLaVista) {
     // Inches. Neither has a picture's proportions: one wide and flat, one
     // narrow and tall.
     const QRectF rectangulos[] = {{0.5, 0.3, 5.0, 0.8}, {0.5, 0.3, 1.6, 1.4}};
-    for (const Caso& c : casos)
+    for (const auto& [metodo, datos, banderas, leida] : casos)
         for (const QRectF& r : rectangulos) {
-            SCOPED_TRACE(std::string(c.metodo) + ' ' + c.datos.toStdString() + " en " + std::to_string(r.width()));
-            std::vector<Variant> argumentos = {int16_t{60}, c.datos, r.left(), r.top(), r.width(), r.height()};
-            argumentos.insert(argumentos.end(), c.banderas.begin(), c.banderas.end());
+            std::vector<Variant> argumentos = {int16_t{60}, datos, r.left(), r.top(), r.width(), r.height()};
+            argumentos.insert(argumentos.end(), banderas.begin(), banderas.end());
             const QImage imagen = EnVista([&](Impresora& imp) {
-                imp.InvocaPorNombre(QString::fromLatin1(c.metodo), Llamada::Metodo, argumentos);
+                imp.InvocaPorNombre(QString::fromLatin1(metodo), Llamada::Metodo, argumentos);
             });
-            EXPECT_EQ(Lee(imagen), std::vector<Lectura>{c.leida});
+            EXPECT_EQ(Lee(imagen), std::vector<Lectura>{leida}) << metodo << " en " << r.width() << " x " << r.height();
         }
 }
 

@@ -53,10 +53,8 @@ TEST(ParamData, UnObjetoNuevoEstaVacioYCadaPropiedadEsIndependiente) {
 
 TEST(ParamData, ParametrosRequeridosTomaCadaRangoSoloConSuConsulta) {
     const Variant f = Variant::Falta();
-    struct Caso {
-        std::vector<std::vector<Variant>> llamadas;
-        QStringList puestas;
-    } casos[] = {
+    // The calls made, and the properties they leave set.
+    std::pair<std::vector<std::vector<Variant>>, QStringList> casos[] = {
         // Query before legend; an empty start query drops the whole second range.
         {{{"SELECT a", "Desde", "SELECT b", "Hasta", "", "L2", "SELECT d", "H2", true, true, 1, "Sólo vigentes"}},
          {u"QueryIni=SELECT a"_s, u"QueryFin=SELECT b"_s, u"LeyendaIni=Desde"_s, u"LeyendaFin=Hasta"_s,
@@ -70,10 +68,10 @@ TEST(ParamData, ParametrosRequeridosTomaCadaRangoSoloConSuConsulta) {
           u"Param1=True"_s, u"Param2=True"_s}},
         {{{f, f, f, f, "q2"}}, {u"QueryIni2=q2"_s, u"Param2=True"_s}},
     };
-    for (auto& c : casos) {
+    for (auto& [llamadas, puestas] : casos) {
         ParamData pd;
-        for (auto& argumentos : c.llamadas) Llama(pd, argumentos);
-        EXPECT_EQ(Puestas(pd), c.puestas);
+        for (auto& argumentos : llamadas) Llama(pd, argumentos);
+        EXPECT_EQ(Puestas(pd), puestas);
     }
 }
 
