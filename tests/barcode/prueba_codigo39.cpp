@@ -1,6 +1,6 @@
 // Code 39 drawn bar by bar: the class and the Codigo39 method on recording
 // targets, with the record, the message box and the errors. Pixels and zbar
-// decodes of the drawn symbol are in prueba_lectura_de_barras.cpp.
+// decodes of the drawn symbol are in prueba_barras_imagen.cpp.
 
 #include <gtest/gtest.h>
 
