@@ -113,15 +113,7 @@ QString Falla(F&& cuerpo) {
     return {};
 }
 
-// The single characters printed under the bars, in order.
-QString Legible(const ObjetoGrabador& d) {
-    QString r;
-    for (const auto& l : d.De(u"Print"_s))
-        if (l.argumentos[0].texto().size() == 1) r += l.argumentos[0].texto();
-    return r;
-}
-
-TEST(BarCode39, AjustesAlLimiteYCaracteresSinPatron) {
+TEST(BarCode39, AjustesCaracteresYDigitoVerificador) {
     // Narrow and height given, and kept; the limits go back through the argument.
     const std::tuple<double, double, int16_t, int16_t> casos[] = {
         {10.9999, 11, 299, 300}, {11.0001, 11.0001, 300, 300}, {20.5, 20.5, 1000, 1000}};
@@ -152,24 +144,23 @@ TEST(BarCode39, AjustesAlLimiteYCaracteresSinPatron) {
     EXPECT_EQ(b.ErrDescription(), u"Invalid Charater in the Barcode parameter."_s);
     b.RaiseError(true);
     EXPECT_EQ(Falla([&] { b.Barcode(u"ab"_s); }), u"5970 clsBarcode39.Barcode"_s);
-}
 
-TEST(BarCode39, DigitoVerificadorModulo43) {
-    const std::tuple<QString, QString, int32_t> casos[] = {
+    // The modulo-43 check character.
+    const std::tuple<QString, QString, int32_t> digitos[] = {
         {u""_s, u"F"_s, 0},       // the stored *12345*: 15
         {u"CODE39"_s, u"W"_s, 0}, // 75 mod 43 = 32
         {u"*Z8*"_s, u"0"_s, 0},   // 43
         {u"%%"_s, u"+"_s, 0},     // 84 mod 43 = 41
         {u"1a"_s, u"1"_s, 5970},  // no value, adds nothing
         {u"a1"_s, u"1"_s, 0}};    // a valid last character clears it
-    clsBarCode39 b;
-    for (const auto& [codigo, digito, error] : casos) {
-        EXPECT_EQ(b.FindCheckDigit(codigo), digito) << codigo.toStdString();
-        EXPECT_EQ(b.ErrNumber(), error) << codigo.toStdString();
+    clsBarCode39 v;
+    for (const auto& [codigo, digito, error] : digitos) {
+        EXPECT_EQ(v.FindCheckDigit(codigo), digito) << codigo.toStdString();
+        EXPECT_EQ(v.ErrNumber(), error) << codigo.toStdString();
     }
-    EXPECT_EQ(NumeroDeError([&] { b.FindCheckDigit(QString(781, u'%')); }), err::kDesbordamiento);
-    b.RaiseError(true);
-    EXPECT_EQ(Falla([&] { b.FindCheckDigit(u"a"_s); }), u"5970 clsBarcode39.FindCode"_s);
+    EXPECT_EQ(NumeroDeError([&] { v.FindCheckDigit(QString(781, u'%')); }), err::kDesbordamiento);
+    v.RaiseError(true);
+    EXPECT_EQ(Falla([&] { v.FindCheckDigit(u"a"_s); }), u"5970 clsBarcode39.FindCode"_s);
 }
 
 TEST(BarCode39, CeldasDeDieciseisAngostosYMarcoDelTamanoTotal) {
@@ -195,7 +186,10 @@ TEST(BarCode39, CeldasDeDieciseisAngostosYMarcoDelTamanoTotal) {
         EXPECT_EQ(b.TotalWidth(), 16 * angosto * dibujado.size() + 300);
         const auto e = Barras(*d);
         ASSERT_EQ(Lee39(e, angosto), dibujado);
-        EXPECT_EQ(Legible(*d), dibujado);
+        QString legible;  // the single characters printed under the bars
+        for (const auto& l : d->De(u"Print"_s))
+            if (l.argumentos[0].texto().size() == 1) legible += l.argumentos[0].texto();
+        EXPECT_EQ(legible, dibujado);
         // 150 inside the frame's corner, with or without the frame.
         EXPECT_EQ(e.front().x, 1150);
         for (const auto& el : e) EXPECT_TRUE(el.y == 2150 && el.alto == 600);

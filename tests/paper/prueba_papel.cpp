@@ -114,30 +114,19 @@ TEST_F(Papel, ApaisadaDosVecesYLuegoVerticalEnImpresoraYEnPantalla) {
     }
 }
 
+// Deliberately shifted: the driver first gets Width from nH over the 8-inch
+// printable width, and height 0; then the style's form sets the sheet.
 TEST_F(Papel, TamanoDeUsuarioPasaAlDriverEnElOrdenDeSiempre) {
     impresora->Pon(u"PaperSize"_s, int16_t{256});
-    // Inches asked for, and the form: whole inches, halves to even.
-    for (const auto& [ancho, alto, forma] : {std::tuple(4.0, 6.0, QSize(101600, 152400)),
-                                             std::tuple(4.5, 6.5, QSize(101600, 152400)),
-                                             std::tuple(5.5, 7.5, QSize(152400, 203200))}) {
-        SCOPED_TRACE(ancho);
-        impresora->llamados.clear();
-        impresora->Pon(u"Width"_s, 12240);
-        impresora->Pon(u"Height"_s, 15840);
-        imp.PaperSize(256, ancho, alto, u"Caja"_s);
-        EXPECT_EQ(QSizeF(imp.FormaAncho(), imp.FormaAlto()), QSizeF(ancho, alto));
-        EXPECT_EQ(imp.EstiloImpresion(), u"Caja"_s);
-        // First the driver gets Width from nH over the 8-inch printable width,
-        // and height 0; then the style's form, the sheet the printer ends on.
-        const auto anchos = Asignados(u"Width"_s), altos = Asignados(u"Height"_s);
-        ASSERT_EQ(anchos.size(), 2u);
-        EXPECT_TRUE(anchos[0].identico(Variant(CLng(12240 / 8 * alto))));
-        EXPECT_TRUE(altos[0].identico(Variant(0)));
-        EXPECT_TRUE(anchos[1].identico(Variant(forma.width() * 1440 / 25400)));
-        EXPECT_TRUE(altos[1].identico(Variant(forma.height() * 1440 / 25400)));
-        EXPECT_EQ(TamanoDeForma(dispositivo, u"Tiendanova_Caja"_s), forma);
-        EXPECT_EQ(cola::UltimaSeleccion(dispositivo).forma, u"Tiendanova_Caja"_s);
-    }
+    imp.PaperSize(256, 4.5, 6.5, u"Caja"_s);
+    EXPECT_EQ(QSizeF(imp.FormaAncho(), imp.FormaAlto()), QSizeF(4.5, 6.5));
+    const auto anchos = Asignados(u"Width"_s), altos = Asignados(u"Height"_s);
+    ASSERT_EQ(anchos.size(), 2u);
+    EXPECT_TRUE(anchos[0].identico(Variant(CLng(12240 / 8 * 6.5))));
+    EXPECT_TRUE(altos[0].identico(Variant(0)));
+    EXPECT_TRUE(anchos[1].identico(Variant(4 * 1440)));
+    EXPECT_TRUE(altos[1].identico(Variant(6 * 1440)));
+    EXPECT_EQ(cola::UltimaSeleccion(dispositivo).forma, u"Tiendanova_Caja"_s);
 }
 
 TEST_F(Papel, UnaImpresoraQueFallaDejaElTamanoPedidoSinAvisar) {
@@ -224,22 +213,26 @@ protected:
 };
 
 TEST_F(PapelEnPdf, CadaPapelTerminaEnLaFormaDePulgadasEnteras) {
-    // Code and inches asked for; inches the page is laid out on; the form, in
-    // thousandths of a millimetre. A4 is 8.27 x 11.69 inches: its form rounds to 8 x 12.
-    for (const auto& [codigo, pedido, pagina, forma] :
-         {std::tuple(1, QSizeF(0, 0), QSizeF(8.5, 11), QSize(203200, 279400)),
-          std::tuple(9, QSizeF(0, 0), QSizeF(210 / 25.4, 297 / 25.4), QSize(203200, 304800)),
-          std::tuple(256, QSizeF(4, 6), QSizeF(4, 6), QSize(101600, 152400))}) {
-        SCOPED_TRACE(codigo);
+    // Code, inches asked for and style; inches the page is laid out on; the form,
+    // in thousandths of a millimetre: whole inches, halves to even. A4 is 8.27 x
+    // 11.69 inches: its form rounds to 8 x 12.
+    for (const auto& [codigo, pedido, estilo, pagina, forma] :
+         {std::tuple(1, QSizeF(0, 0), u"Tiendanova"_s, QSizeF(8.5, 11), QSize(203200, 279400)),
+          std::tuple(9, QSizeF(0, 0), u"Tiendanova"_s, QSizeF(210 / 25.4, 297 / 25.4), QSize(203200, 304800)),
+          std::tuple(256, QSizeF(4, 6), u"Caja"_s, QSizeF(4, 6), QSize(101600, 152400)),
+          std::tuple(256, QSizeF(4.5, 6.5), u"Caja"_s, QSizeF(4.5, 6.5), QSize(101600, 152400)),
+          std::tuple(256, QSizeF(5.5, 7.5), u"Caja"_s, QSizeF(5.5, 7.5), QSize(152400, 203200))}) {
+        SCOPED_TRACE(pedido.width());
         NuevaImpresora();
         const int32_t abiertas = cola::ImpresorasAbiertas();
-        imp.PaperSize(codigo, pedido.width(), pedido.height());
+        imp.PaperSize(codigo, pedido.width(), pedido.height(), estilo);
         // The printable area as the device lays it out, to the dot.
         EXPECT_NEAR(imp.FormaAncho(), pagina.width(), 0.01);
         EXPECT_NEAR(imp.FormaAlto(), pagina.height(), 0.01);
         EXPECT_EQ(imp.PapelTipo, 1);
-        EXPECT_EQ(TamanoDeForma(pdf, u"Tiendanova_Tiendanova"_s), forma);
-        EXPECT_EQ(cola::UltimaSeleccion(pdf).forma, u"Tiendanova_Tiendanova"_s);
+        EXPECT_EQ(imp.EstiloImpresion(), estilo);
+        EXPECT_EQ(TamanoDeForma(pdf, u"Tiendanova_"_s + estilo), forma);
+        EXPECT_EQ(cola::UltimaSeleccion(pdf).forma, u"Tiendanova_"_s + estilo);
         EXPECT_EQ(cola::ImpresorasAbiertas(), abiertas);
         EXPECT_EQ(Miembro(u"PaperSize"_s), 256);
         EXPECT_EQ(QSize(Miembro(u"Width"_s), Miembro(u"Height"_s)), forma * 1440 / 25400);
