@@ -134,7 +134,6 @@ TEST(Despacho, LlamadasPorNombreYPorId) {
 }
 
 TEST(Despacho, OpcionalesOmitidosTomanSuValorPredeterminado) {
-    // Method, arguments given, slots prepared, and some of those slots.
     const std::tuple<const char*, std::vector<Variant>, size_t, std::vector<std::pair<size_t, Variant>>> casos[] = {
         {"Bar128", {int16_t{40}, "A1", 0, 0, 1, 1}, 7, {{6, true}}},
         {"Bar3de9", {int16_t{40}, "A1", 0, 0, 1, 1, Variant::Falta()}, 8, {{6, false}, {7, true}}},
@@ -155,7 +154,6 @@ TEST(Despacho, OpcionalesOmitidosTomanSuValorPredeterminado) {
 
 TEST(Despacho, PorReferenciaSoloDevuelveLoQueElMiembroCambia) {
     Impresora imp;
-    // Method, arguments, what it returns, the arguments afterwards.
     std::tuple<const char*, std::vector<Variant>, Variant, std::vector<Variant>> casos[] = {
         {"Cambia", {"-", "a", "banana"}, u"b-n-n-"_s, {"-", "a", u"b-n-n-"_s}},
         // A number passed for a text parameter that the member leaves alone keeps its type.

@@ -37,7 +37,7 @@ bool Oscuro(const QImage& imagen, int x, int y) { return qGray(imagen.pixel(x, y
 // others), readable text only under the bars, pure black and white, clear
 // quiet zones and no element narrower than the 2-pixel module.
 TEST(BarrasImagenes, BarrasNitidasDelAltoPedidoYTextoDebajo) {
-    // Quiet zones, left and right, in modules.
+    // The quiet zones, left and right, in modules.
     const std::tuple<Simbologia, QString, int, int> casos[] = {{Simbologia::Code128, u"Pedido 4512"_s, 10, 10},
                                                                {Simbologia::Code39, u"ABC-123"_s, 10, 10},
                                                                {Simbologia::EAN13, u"750100000001"_s, 11, 7},
@@ -159,7 +159,6 @@ protected:
 };
 
 TEST_F(BarrasComoImagen, ComandosYPedidosConSusValoresPorOmision) {
-    // Arguments by name, the command recorded, what the encoder is asked.
     std::tuple<std::vector<Variant>, const char*, const char*> casos[] = {
         {{int16_t{40}, "AB\"1", 1, 2, 3, 0.5},
          "Bar128 Fn(\"40\"),\"AB\"1\",Fn(\"1\"),Fn(\"2\"),Fn(\"3\"),Fn(\"0.5\"),True", "128|40|AB\"1|-H"},
@@ -223,7 +222,6 @@ QImage EnVista(const std::function<void(Impresora&)>& dibuja) {
 }
 
 TEST(LecturaDeBarras, Codigo39EnLaVista) {
-    // Narrow (twips), message, check digit, frame, and what zbar reads.
     const Variant omitido = Variant::Falta();
     const std::tuple<Variant, QString, Variant, bool, std::string> casos[] = {
         {20, u"12345"_s, omitido, false, "12345"},
@@ -255,7 +253,7 @@ TEST(LecturaDeBarras, Codigo39EnLaVista) {
 }
 
 TEST(LecturaDeBarras, ImagenesEstiradasEnLaVista) {
-    // Method, data, the flags after the rectangle (readable text when omitted).
+    // The flags follow the rectangle; readable text when omitted.
     const std::tuple<const char*, QString, std::vector<Variant>, Lectura> casos[] = {
         {"Bar128", u"0123456789"_s, {}, {ZBAR_CODE128, "0123456789"}},
         {"Bar128", u"LOTE\t42"_s, {}, {ZBAR_CODE128, "LOTE\t42"}},

@@ -164,7 +164,6 @@ TEST(BarCode39, AjustesCaracteresYDigitoVerificador) {
 }
 
 TEST(BarCode39, CeldasDeDieciseisAngostosYMarcoDelTamanoTotal) {
-    // Barcode given, as drawn, framed, narrow.
     const std::tuple<QString, QString, bool, int> casos[] = {
         {u"ABC"_s, u"*ABC*"_s, false, 20}, {u"*AB"_s, u"*AB*"_s, true, 11},
         {u"A*B"_s, u"*A*B*"_s, true, 15},  {u""_s, u"*"_s, true, 15}};
@@ -236,7 +235,6 @@ TEST(BarCode39, TextosCentradosEnSuCeldaYFuenteAlTerminar) {
 }
 
 TEST(BarCode39, UnDestinoQueFallaDa438) {
-    // The member the target lacks, the position, lines drawn, font name left.
     const std::tuple<const char*, int32_t, size_t, QString> casos[] = {
         {"TextWidth", 0, 1, u"Arial"_s}, {"Font", 0, 1, u"Courier New"_s}, {"Line", 0, 0, u"Courier New"_s},
         {"", INT32_MAX - 100, 0, u"Courier New"_s}};  // the position overflows
@@ -348,7 +346,6 @@ TEST_F(Codigo39, ErroresAntesYDespuesDeRegistrar) {
 TEST(Codigo39MsgBox, LaCajaRealDevuelveElBotonPulsado) {
     AseguraAplicacion();
     EstablecePresentadorDeMensajes({});  // the real box, not the suite's guard
-    // Style, button pressed, answer, icon, default button.
     const std::tuple<int32_t, QString, int32_t, QMessageBox::Icon, QString> casos[] = {
         {16, u"Aceptar"_s, 1, QMessageBox::Critical, u"Aceptar"_s},
         {4 | 32 | 256, u"No"_s, 7, QMessageBox::Question, u"No"_s},

@@ -44,7 +44,6 @@ TEST(ParamData, UnObjetoNuevoEstaVacioYCadaPropiedadEsIndependiente) {
 
 TEST(ParamData, ParametrosRequeridosTomaCadaRangoSoloConSuConsulta) {
     const Variant f = Variant::Falta();
-    // The calls made, and the properties they leave set.
     std::pair<std::vector<std::vector<Variant>>, QStringList> casos[] = {
         // Query before legend; an empty start query drops the whole second range.
         {{{"SELECT a", "Desde", "SELECT b", "Hasta", "", "L2", "SELECT d", "H2", true, true, 1, "Sólo vigentes"}},

@@ -154,14 +154,13 @@ TEST_F(Papel, UnaImpresoraQueFallaDejaElTamanoPedidoSinAvisar) {
 TEST_F(Papel, ElNombreDeFormaSeCortaA32CaracteresSinNulo) {
     const QString justo = u"Mostrador_de_entrada"_s + u'X';    // 11 + 21 = 32 characters
     const QString largo = u"Mostrador_de_entrada_principal"_s;  // 41 characters
-    // The style, the name field, and whether the driver finds the form by it.
     const std::tuple<QString, QByteArray, bool> casos[] = {
         {u"Caja"_s, QByteArray("Tiendanova_Caja") + '\0' + QByteArray(16, ' '), true},
         {justo, (u"Tiendanova_"_s + justo).toLatin1(), true},
         {largo, (u"Tiendanova_"_s + largo).left(32).toLatin1(), false},
     };
     for (const auto& [estilo, campo, seleccionada] : casos) {
-        SCOPED_TRACE(estilo.toStdString());
+        SCOPED_TRACE(estilo.toStdString());  // the driver finds the form by the name field, or not
         QString dado = estilo;
         imp.EstiloImpresion(dado);
         imp.EstableceEstiloImpresoraNT();

@@ -36,7 +36,6 @@ TEST(Letra, Palabras) {
 }
 
 TEST(Letra, LeyendasYCentavos) {
-    // Number, legend, cents or not, second legend.
     const std::tuple<double, const char*, bool, const char*, const char*> casos[] = {
         {1, "PESO", true, "M.N.", "UN PESO 00/100 M.N."},
         {7.05, "PESOS", true, "", "SIETE PESOS 05/100"},
