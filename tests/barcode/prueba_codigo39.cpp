@@ -313,7 +313,12 @@ TEST_F(Codigo39, EnLaImpresoraConLimitesYSinDesplazamientos) {
     // Halves to even, and the printer's page offsets are not subtracted.
     EXPECT_EQ(impresora->Registro().filter(u"Llama line("_s).first(),
               u"Llama line(30,100,102,%1,825,0)"_s.arg(3 * 16 * 11 + 300));
-    EXPECT_EQ(CInt(impresora->Valor(u"ScaleMode"_s)), 5);
+    // Drawn in twips: after the switch to twips and before the one switch back to inches.
+    const QStringList escala = impresora->Registro().filter(QRegularExpression(u"^Asigna scalemode|^Llama line"_s));
+    const qsizetype twips = escala.lastIndexOf(u"Asigna scalemode=1"_s);
+    EXPECT_TRUE(escala.value(twips + 1).startsWith(u"Llama line"_s));
+    EXPECT_EQ(escala.mid(twips).filter(u"scalemode"_s),
+              (QStringList{u"Asigna scalemode=1"_s, u"Asigna scalemode=5"_s}));
     EXPECT_TRUE(vista->De(u"Line"_s).empty());
 }
 
