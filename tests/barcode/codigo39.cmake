@@ -1,4 +1,2 @@
 # Code 39 drawn bar by bar.
-target_sources(pruebas PRIVATE
-  ${CMAKE_CURRENT_LIST_DIR}/prueba_codigo39.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/prueba_lectura_de_barras.cpp)
+target_sources(pruebas PRIVATE ${CMAKE_CURRENT_LIST_DIR}/prueba_codigo39.cpp)

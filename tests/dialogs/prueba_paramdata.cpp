@@ -1,110 +1,68 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
+#include "automation/interfaz.h"
 #include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/impresora.h"
 #include "kaloimpresora/paramdata.h"
 
 using namespace kalo;
 using namespace Qt::StringLiterals;
-using kalo::prueba::ConUtilerias;
 using kalo::prueba::NumeroDeError;
 
 namespace {
-
-const char* const kTextos[] = {"BusquedaIni", "BusquedaFin", "BusquedaIni2", "BusquedaFin2", "QueryIni",
-                               "QueryFin", "QueryIni2", "QueryFin2", "LeyendaIni", "LeyendaFin",
-                               "LeyendaIni2", "LeyendaFin2", "CheckLeyend", "Observ"};
-const char* const kBanderas[] = {"Todos1", "Todos2", "TodasLasFechas", "SoloSeleccionados", "TodosLosRegistros",
-                                 "Param1", "Param2", "Fechas", "Check", "CheckValue"};
-
-TEST(ParamData, UnObjetoNuevoEstaVacio) {
-    auto pd = CreaObjeto(u"KaloImpresora.ParamData"_s);
-    for (const char* p : kTextos) EXPECT_TRUE(pd->Lee(QString::fromLatin1(p)).identico(Variant(u""_s))) << p;
-    for (const char* p : kBanderas) EXPECT_TRUE(pd->Lee(QString::fromLatin1(p)).identico(Variant(false))) << p;
-    EXPECT_TRUE(pd->Lee(u"FechaInicial"_s).identico(Variant::Fecha(0)));
-    EXPECT_TRUE(pd->Lee(u"FechaFinal"_s).identico(Variant::Fecha(0)));
-}
-
-TEST(ParamData, LasPropiedadesSonIndependientes) {
-    ParamData pd;
-    pd.Asigna(u"Param1"_s, true);
-    pd.Asigna(u"CheckValue"_s, -1);
-    pd.Asigna(u"FechaFinal"_s, Variant::Fecha(45291));
-    EXPECT_TRUE(pd.Param1);
-    EXPECT_TRUE(pd.CheckValue);
-    EXPECT_EQ(pd.FechaFinal, 45291);
-    EXPECT_TRUE(pd.QueryIni.isEmpty());
-    EXPECT_FALSE(pd.Param2);
-}
 
 Variant Llama(ParamData& pd, std::vector<Variant> args) {
     return pd.InvocaPorNombre(u"ParametrosRequeridos"_s, Llamada::Metodo, args);
 }
 
-TEST(ParamData, SinArgumentosSoloCambianLasOpcionesYLasFechas) {
-    ParamData pd;
-    pd.Param1 = true;
-    pd.Param2 = true;
-    pd.QueryIni = u"q"_s;
-    pd.Check = pd.CheckValue = pd.Fechas = true;
-    pd.CheckLeyend = u"x"_s;
-    Llama(pd, {});
-    EXPECT_TRUE(pd.Param1);
-    EXPECT_TRUE(pd.Param2);
-    EXPECT_EQ(pd.QueryIni, u"q"_s);
-    EXPECT_FALSE(pd.Check);
-    EXPECT_FALSE(pd.CheckValue);
-    EXPECT_FALSE(pd.Fechas);
-    EXPECT_TRUE(pd.CheckLeyend.isEmpty());
+// The properties read by name that are not "", False or day 0, as "name=value"
+// in interface order: what a call changed, and nothing else.
+QStringList Puestas(Objeto& pd) {
+    const Variant vacios[] = {u""_s, false, Variant::Fecha(0)};
+    QStringList r;
+    for (const auto& m : InterfazDe<ParamData>().miembros()) {
+        if (m.clase == ClaseDeMiembro::Metodo) continue;
+        const Variant v = pd.Lee(m.nombre);
+        if (std::ranges::none_of(vacios, [&](const Variant& x) { return v.identico(x); }))
+            r << m.nombre + u'=' + CStr(v);
+    }
+    return r;
 }
 
-TEST(ParamData, ElOrdenDeLosArgumentosEsConsultaAntesQueLeyenda) {
-    ParamData pd;
-    Llama(pd, {"SELECT a", "Desde", "SELECT b", "Hasta", "", "L2", "SELECT d", "H2", true, true, 1,
-               "Sólo vigentes"});
-    EXPECT_TRUE(pd.Param1);
-    EXPECT_EQ(pd.QueryIni, u"SELECT a"_s);
-    EXPECT_EQ(pd.LeyendaIni, u"Desde"_s);
-    EXPECT_EQ(pd.QueryFin, u"SELECT b"_s);
-    EXPECT_EQ(pd.LeyendaFin, u"Hasta"_s);
-    // An empty start query drops the whole second range.
-    EXPECT_FALSE(pd.Param2);
-    EXPECT_TRUE(pd.QueryFin2.isEmpty());
-    EXPECT_TRUE(pd.LeyendaIni2.isEmpty());
-    EXPECT_TRUE(pd.Fechas);
-    EXPECT_TRUE(pd.Check);
-    EXPECT_TRUE(pd.CheckValue);
-    EXPECT_EQ(pd.CheckLeyend, u"Sólo vigentes"_s);
+TEST(ParamData, UnObjetoNuevoEstaVacioYCadaPropiedadEsIndependiente) {
+    auto objeto = CreaObjeto(u"KaloImpresora.ParamData"_s);
+    EXPECT_EQ(Puestas(*objeto), QStringList());
+    auto& pd = dynamic_cast<ParamData&>(*objeto);
+    pd.Asigna(u"Param1"_s, true);
+    pd.Asigna(u"CheckValue"_s, -1);
+    pd.Asigna(u"FechaFinal"_s, Variant::Fecha(45291));
+    EXPECT_TRUE(pd.Param1 && pd.CheckValue);
+    EXPECT_EQ(pd.FechaFinal, 45291);
+    EXPECT_EQ(Puestas(pd).size(), 3);
 }
 
-TEST(ParamData, LasBanderasSoloSeEncienden) {
-    ParamData pd;
-    pd.ParametrosRequeridos(u"q1"_s, u"l1"_s, u"f1"_s, u"lf1"_s, u"q2"_s);
-    EXPECT_TRUE(pd.Param1);
-    EXPECT_TRUE(pd.Param2);
-    pd.ParametrosRequeridos(u"   "_s, u"otra"_s);
-    EXPECT_TRUE(pd.Param1);
-    EXPECT_TRUE(pd.Param2);
-    EXPECT_EQ(pd.QueryIni, u"q1"_s);
-    EXPECT_EQ(pd.LeyendaIni, u"l1"_s);
-    EXPECT_EQ(pd.QueryIni2, u"q2"_s);
-    // Only the second range given.
-    ParamData solo2;
-    Llama(solo2, {Variant::Falta(), Variant::Falta(), Variant::Falta(), Variant::Falta(), "q2"});
-    EXPECT_FALSE(solo2.Param1);
-    EXPECT_TRUE(solo2.Param2);
-}
-
-TEST(ParamData, ArgumentosInvalidos) {
-    ParamData pd;
-    EXPECT_EQ(NumeroDeError([&] { Llama(pd, {Variant::Nulo()}); }), 94);
-    EXPECT_EQ(NumeroDeError([&] {
-                  Llama(pd, {"", "", "", "", "", "", "", "", "tal vez"});
-              }),
-              13);
-    std::vector<Variant> trece(13, Variant(u""_s));
-    EXPECT_EQ(NumeroDeError([&] { Llama(pd, trece); }), 450);
-    EXPECT_FALSE(pd.Param1);
+TEST(ParamData, ParametrosRequeridosTomaCadaRangoSoloConSuConsulta) {
+    const Variant f = Variant::Falta();
+    std::pair<std::vector<std::vector<Variant>>, QStringList> casos[] = {
+        // Query before legend; an empty start query drops the whole second range.
+        {{{"SELECT a", "Desde", "SELECT b", "Hasta", "", "L2", "SELECT d", "H2", true, true, 1, "Sólo vigentes"}},
+         {u"QueryIni=SELECT a"_s, u"QueryFin=SELECT b"_s, u"LeyendaIni=Desde"_s, u"LeyendaFin=Hasta"_s,
+          u"Param1=True"_s, u"Fechas=True"_s, u"Check=True"_s, u"CheckValue=True"_s, u"CheckLeyend=Sólo vigentes"_s}},
+        // Without arguments only the options and the dates change.
+        {{{"q", "", "", "", "q2", "", "", "", true, true, true, "x"}, {}},
+         {u"QueryIni=q"_s, u"QueryIni2=q2"_s, u"Param1=True"_s, u"Param2=True"_s}},
+        // The flags only switch on: a blank query leaves the earlier range.
+        {{{"q1", "l1", "f1", "lf1", "q2"}, {"   ", "otra"}},
+         {u"QueryIni=q1"_s, u"QueryFin=f1"_s, u"QueryIni2=q2"_s, u"LeyendaIni=l1"_s, u"LeyendaFin=lf1"_s,
+          u"Param1=True"_s, u"Param2=True"_s}},
+        {{{f, f, f, f, "q2"}}, {u"QueryIni2=q2"_s, u"Param2=True"_s}},
+    };
+    for (auto& [llamadas, puestas] : casos) {
+        ParamData pd;
+        for (auto& argumentos : llamadas) Llama(pd, argumentos);
+        EXPECT_EQ(Puestas(pd), puestas);
+    }
 }
 
 // A utility object whose blank test fails, to see the error reach the host.
@@ -113,23 +71,15 @@ public:
     bool EsVacio(const Variant&) override { Lanza(err::kLlamadaNoValida, u"Utilerias.EsVacio"_s); }
 };
 
-TEST(ParamData, UnErrorDeEsVacioLlegaAlAnfitrionYDetieneElMetodo) {
-    ConUtilerias u(std::make_shared<UtileriasQueFallan>());
+TEST(ParamData, LosErroresDetienenElMetodoSinCambiarNada) {
     ParamData pd;
+    EXPECT_EQ(NumeroDeError([&] { Llama(pd, {Variant::Nulo()}); }), 94);
+    EXPECT_EQ(NumeroDeError([&] { Llama(pd, {"", "", "", "", "", "", "", "", "tal vez"}); }), 13);
+    EXPECT_EQ(NumeroDeError([&] { Llama(pd, std::vector<Variant>(13, Variant(u""_s))); }), 450);
+    SustituyeUtilerias(std::make_shared<UtileriasQueFallan>());
     pd.Check = true;
     EXPECT_EQ(NumeroDeError([&] { Llama(pd, {"q", "l", "", "", "", "", "", "", true, false}); }), 5);
-    EXPECT_FALSE(pd.Param1);
-    EXPECT_TRUE(pd.Check);
-}
-
-TEST(ParamData, ElDeImpresoraYElDelAnfitrionSonIntercambiables) {
-    Impresora imp;
-    auto propio = std::make_shared<ParamData>();
-    propio->ParametrosRequeridos(u"SELECT 1"_s);
-    imp.AsignaObjeto(u"ParamData"_s, propio);
-    EXPECT_TRUE(imp.Lee(u"ParamData"_s).objeto()->Lee(u"Param1"_s).identico(Variant(true)));
-    imp.ParamData->Asigna(u"BusquedaFin"_s, "Z");
-    EXPECT_EQ(propio->BusquedaFin, u"Z"_s);
+    EXPECT_EQ(Puestas(pd), QStringList{u"Check=True"_s});
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
-#include <optional>
 
 #include "comun/impresora_con_grabadores.h"
 #include "comun/lectura_de_reporte.h"
@@ -36,10 +35,12 @@ private:
     static double Twips(int16_t modo) { return modo == 5 ? 1440 : modo == 6 ? 1440 / 25.4 : 1; }
 };
 
-std::optional<cola::Forma> Forma(const QString& dispositivo, const QString& nombre) {
+// The size of the device's form by that name (thousandths of a millimetre);
+// an empty size when there is none.
+QSize TamanoDeForma(const QString& dispositivo, const QString& nombre) {
     for (const auto& f : cola::FormasDe(dispositivo))
-        if (f.nombre == nombre) return f;
-    return std::nullopt;
+        if (f.nombre == nombre) return QSize(f.cx, f.cy);
+    return {};
 }
 
 // A letter sheet in portrait on a recording printer whose name is this test's.
@@ -82,86 +83,61 @@ TEST_F(Papel, CadaMetodoPorAutomatizacionQuedaGrabadoConSuTexto) {
     QString estilo = u"Automata"_s;
     imp.EstiloImpresion(estilo);
     llama("EstableceEstiloImpresoraNT");
-    EXPECT_TRUE(Forma(dispositivo, u"Tiendanova_Automata"_s));
-    const Variant forma = llama("CreaForma");
-    EXPECT_TRUE(forma.esObjeto());
-    EXPECT_EQ(forma.objeto(), nullptr);
+    EXPECT_TRUE(TamanoDeForma(dispositivo, u"Tiendanova_Automata"_s).isValid());
+    EXPECT_TRUE(llama("CreaForma").identico(Variant::Nada()));
     EXPECT_EQ(prueba::Comandos(imp.DB),
               (QStringList{u"Portrait\r\n"_s, u"LandScape\r\n"_s,
                            u"PaperSize Fn(\"256\"),Fn(\"4.25\"),Fn(\"6.5\")\r\n"_s, u"RestauraPapel\r\n"_s}));
     EXPECT_EQ(imp.nLinea, 4);
 }
 
-// Portrait never turns the page back nor resets the grid.
-class Orientacion : public Papel, public ::testing::WithParamInterface<bool> {};
-
-TEST_P(Orientacion, ApaisadaDosVecesYLuegoVertical) {
-    imp.Pantalla = GetParam();
-    struct Paso {
-        void (Impresora::*metodo)();
-        double ancho, alto;
-        int16_t orientacion;
-    };
-    for (const Paso& p : {Paso{&Impresora::LandScape, 11, 8.5, 2}, Paso{&Impresora::LandScape, 11, 8.5, 2},
-                          Paso{&Impresora::Portrait, 11, 8.5, 1}}) {
-        (imp.*p.metodo)();
-        EXPECT_EQ(imp.FormaAncho(), p.ancho);
-        EXPECT_EQ(imp.FormaAlto(), p.alto);
-        EXPECT_EQ(imp.nRow, 40);
-        EXPECT_EQ(imp.nCol, 130);
-        EXPECT_EQ(imp.PaperOrientation, p.orientacion);
-        EXPECT_EQ(imp.Horizontal, p.orientacion == 2);
+// Portrait never turns the page back nor resets the grid; only the printer
+// is told the orientation.
+TEST_F(Papel, ApaisadaDosVecesYLuegoVerticalEnImpresoraYEnPantalla) {
+    for (bool pantalla : {false, true}) {
+        SCOPED_TRACE(pantalla);
+        Impresora otra;
+        otra.Pantalla = pantalla;
+        impresora->llamados.clear();
+        auto estado = [&] {
+            return u"%1 x %2, %3 x %4, %5 %6"_s.arg(otra.FormaAncho()).arg(otra.FormaAlto()).arg(otra.nRow)
+                .arg(otra.nCol).arg(otra.PaperOrientation).arg(int(otra.Horizontal));
+        };
+        otra.LandScape();
+        EXPECT_EQ(estado(), u"11 x 8.5, 40 x 130, 2 1"_s);
+        otra.LandScape();
+        EXPECT_EQ(estado(), u"11 x 8.5, 40 x 130, 2 1"_s);
+        otra.Portrait();
+        EXPECT_EQ(estado(), u"11 x 8.5, 40 x 130, 1 0"_s);
+        const QStringList dadas = {u"Asigna orientation=2"_s, u"Asigna orientation=2"_s, u"Asigna orientation=1"_s};
+        EXPECT_EQ(impresora->Registro(), pantalla ? QStringList() : dadas);
     }
-    std::vector<int16_t> dadas;
-    for (const Variant& v : Asignados(u"Orientation"_s)) dadas.push_back(CInt(v));
-    EXPECT_EQ(dadas, imp.Pantalla ? std::vector<int16_t>{} : (std::vector<int16_t>{2, 2, 1}));
 }
 
-INSTANTIATE_TEST_SUITE_P(EnImpresoraYEnPantalla, Orientacion, ::testing::Bool());
-
+// Deliberately shifted: the driver first gets Width from nH over the 8-inch
+// printable width, and height 0; then the style's form sets the sheet.
 TEST_F(Papel, TamanoDeUsuarioPasaAlDriverEnElOrdenDeSiempre) {
     impresora->Pon(u"PaperSize"_s, int16_t{256});
-    struct Caso {
-        double ancho, alto;
-        int32_t cx, cy;  // the form: whole inches, halves to even
-    };
-    for (const Caso& c : {Caso{4, 6, 101600, 152400}, Caso{4.5, 6.5, 101600, 152400}, Caso{5.5, 7.5, 152400, 203200}}) {
-        SCOPED_TRACE(c.ancho);
-        impresora->llamados.clear();
-        impresora->Pon(u"Width"_s, 12240);
-        impresora->Pon(u"Height"_s, 15840);
-        imp.PaperSize(256, c.ancho, c.alto, u"Caja"_s);
-        // First the driver gets Width from nH over the 8-inch printable width, and height 0.
-        const auto anchos = Asignados(u"Width"_s), altos = Asignados(u"Height"_s);
-        ASSERT_EQ(anchos.size(), 2u);
-        EXPECT_TRUE(anchos[0].identico(Variant(CLng(12240 / 8 * c.alto))));
-        EXPECT_TRUE(altos[0].identico(Variant(0)));
-        EXPECT_EQ(imp.FormaAncho(), c.ancho);
-        EXPECT_EQ(imp.FormaAlto(), c.alto);
-        EXPECT_EQ(imp.EstiloImpresion(), u"Caja"_s);
-        // The style's form is the sheet the printer ends on.
-        const auto forma = Forma(dispositivo, u"Tiendanova_Caja"_s);
-        ASSERT_TRUE(forma);
-        EXPECT_EQ(forma->cx, c.cx);
-        EXPECT_EQ(forma->cy, c.cy);
-        EXPECT_EQ(cola::UltimaSeleccion(dispositivo).forma, u"Tiendanova_Caja"_s);
-        EXPECT_TRUE(anchos[1].identico(Variant(c.cx * 1440 / 25400)));
-        EXPECT_TRUE(altos[1].identico(Variant(c.cy * 1440 / 25400)));
-    }
+    imp.PaperSize(256, 4.5, 6.5, u"Caja"_s);
+    EXPECT_EQ(QSizeF(imp.FormaAncho(), imp.FormaAlto()), QSizeF(4.5, 6.5));
+    const auto anchos = Asignados(u"Width"_s), altos = Asignados(u"Height"_s);
+    ASSERT_EQ(anchos.size(), 2u);
+    EXPECT_TRUE(anchos[0].identico(Variant(CLng(12240 / 8 * 6.5))));
+    EXPECT_TRUE(altos[0].identico(Variant(0)));
+    EXPECT_TRUE(anchos[1].identico(Variant(4 * 1440)));
+    EXPECT_TRUE(altos[1].identico(Variant(6 * 1440)));
+    EXPECT_EQ(cola::UltimaSeleccion(dispositivo).forma, u"Tiendanova_Caja"_s);
 }
 
 TEST_F(Papel, UnaImpresoraQueFallaDejaElTamanoPedidoSinAvisar) {
-    struct Caso {
-        const char* falta;
-        const char16_t* estilo;  // what EstiloImpresion ends as
-    };
-    // Without PaperSize it fails before anything; without ScaleY, in the final
-    // form step, after the style was stored and the landscape sizes swapped.
-    for (const Caso& c : {Caso{"PaperSize", u"Tiendanova"}, Caso{"ScaleY", u"Caja"}}) {
-        SCOPED_TRACE(c.falta);
+    // The member the printer lacks, and the style left. Without PaperSize it
+    // fails before anything; without ScaleY, in the final form step, after the
+    // style was stored and the landscape sizes swapped.
+    for (const auto& [falta, estilo] : {std::pair("PaperSize", u"Tiendanova"), std::pair("ScaleY", u"Caja")}) {
+        SCOPED_TRACE(falta);
         QStringList miembros{u"DeviceName"_s, u"PaperSize"_s, u"Orientation"_s, u"Width"_s, u"Height"_s,
                              u"ScaleMode"_s, u"ScaleWidth"_s, u"ScaleHeight"_s, u"hDC"_s, u"ScaleX"_s, u"ScaleY"_s};
-        miembros.removeAll(QString::fromLatin1(c.falta));
+        miembros.removeAll(QString::fromLatin1(falta));
         auto rota = std::make_shared<ImpresoraGrabadora>(miembros);
         rota->Pon(u"DeviceName"_s, dispositivo);
         rota->Pon(u"PaperSize"_s, int16_t{256});
@@ -169,40 +145,30 @@ TEST_F(Papel, UnaImpresoraQueFallaDejaElTamanoPedidoSinAvisar) {
         EstableceImpresoraActual(rota);
         Impresora otra;
         EXPECT_EQ(prueba::NumeroDeError([&] { otra.PaperSize(256, 4, 6, u"Caja"_s); }), 0);
-        EXPECT_EQ(otra.FormaAncho(), 4);
-        EXPECT_EQ(otra.FormaAlto(), 6);
-        EXPECT_EQ(otra.EstiloImpresion(), QString::fromUtf16(c.estilo));
+        EXPECT_EQ(QSizeF(otra.FormaAncho(), otra.FormaAlto()), QSizeF(4, 6));
+        EXPECT_EQ(otra.EstiloImpresion(), QString::fromUtf16(estilo));
         EXPECT_EQ(otra.nLinea, 1);
     }
 }
 
 TEST_F(Papel, ElNombreDeFormaSeCortaA32CaracteresSinNulo) {
-    struct Caso {
-        QString estilo;
-        QByteArray campo;
-        bool seleccionada;  // the driver finds the form by the name the field holds
-    };
-    const QString justo = u"Mostrador_de_entrada"_s + u'X';       // 11 + 21 = 32 characters
-    const QString largo = u"Mostrador_de_entrada_principal"_s;     // 41 characters
-    const std::vector<Caso> casos = {
+    const QString justo = u"Mostrador_de_entrada"_s + u'X';    // 11 + 21 = 32 characters
+    const QString largo = u"Mostrador_de_entrada_principal"_s;  // 41 characters
+    const std::tuple<QString, QByteArray, bool> casos[] = {
         {u"Caja"_s, QByteArray("Tiendanova_Caja") + '\0' + QByteArray(16, ' '), true},
         {justo, (u"Tiendanova_"_s + justo).toLatin1(), true},
         {largo, (u"Tiendanova_"_s + largo).left(32).toLatin1(), false},
     };
-    for (const Caso& c : casos) {
-        SCOPED_TRACE(c.estilo.toStdString());
-        QString estilo = c.estilo;
-        imp.EstiloImpresion(estilo);
+    for (const auto& [estilo, campo, seleccionada] : casos) {
+        SCOPED_TRACE(estilo.toStdString());  // the driver finds the form by the name field, or not
+        QString dado = estilo;
+        imp.EstiloImpresion(dado);
         imp.EstableceEstiloImpresoraNT();
         const cola::Seleccion s = cola::UltimaSeleccion(dispositivo);
-        EXPECT_EQ(s.nombreDeForma, c.campo);
-        EXPECT_EQ(s.forma, c.seleccionada ? u"Tiendanova_"_s + c.estilo : QString());
-        // The form itself keeps its whole name; the sheet is the letter one
-        // read in twips.
-        const auto forma = Forma(dispositivo, u"Tiendanova_"_s + c.estilo);
-        ASSERT_TRUE(forma);
-        EXPECT_EQ(forma->cx, 215900);
-        EXPECT_EQ(forma->cy, 279400);
+        EXPECT_EQ(s.nombreDeForma, campo);
+        EXPECT_EQ(s.forma, seleccionada ? u"Tiendanova_"_s + estilo : QString());
+        // The form keeps its whole name; the sheet is the letter one, read in twips.
+        EXPECT_EQ(TamanoDeForma(dispositivo, u"Tiendanova_"_s + estilo), QSize(215900, 279400));
     }
 }
 
@@ -211,14 +177,10 @@ TEST_F(Papel, UnDesbordeDeLaFormaSoloLlegaDesdeEstableceEstiloImpresoraNT) {
     impresora->Pon(u"ScaleMode"_s, int16_t{5});
     impresora->Pon(u"Width"_s, 100000);
     impresora->Pon(u"Height"_s, 100000);
-    struct Caso {
-        const char* metodo;
-        int32_t error;
-    };
-    for (const Caso& c : {Caso{"EstableceEstiloImpresoraNT", err::kDesbordamiento}, Caso{"RestauraPapel", 0}}) {
-        SCOPED_TRACE(c.metodo);
-        EXPECT_EQ(prueba::NumeroDeError([&] { imp.Llama(QString::fromLatin1(c.metodo)); }), c.error);
-        EXPECT_TRUE(Asignados(u"Width"_s).empty());
+    for (const auto& [metodo, error] : {std::pair("EstableceEstiloImpresoraNT", err::kDesbordamiento),
+                                        std::pair("RestauraPapel", 0)}) {
+        EXPECT_EQ(prueba::NumeroDeError([&] { imp.Llama(QString::fromLatin1(metodo)); }), error) << metodo;
+        EXPECT_TRUE(Asignados(u"Width"_s).empty()) << metodo;
     }
 }
 
@@ -234,7 +196,6 @@ protected:
         impresora = ImpresoraDelSistema::EnPdf(carpeta.path());
         EstableceImpresoraActual(impresora);
     }
-    void TearDown() override { EstableceImpresoraActual(nullptr); }
 
     int32_t Miembro(const QString& nombre) { return CLng(impresora->Lee(nombre)); }
     QSizeF PaginaImpresa() {
@@ -251,33 +212,30 @@ protected:
 };
 
 TEST_F(PapelEnPdf, CadaPapelTerminaEnLaFormaDePulgadasEnteras) {
-    struct Caso {
-        int16_t codigo;
-        double ancho, alto;      // asked for
-        double formaAncho, formaAlto;  // inches the page is laid out on
-        int32_t cx, cy;          // the form, thousandths of a millimetre
-    };
-    // A4 is 8.27 x 11.69 inches: its form rounds to 8 x 12.
-    for (const Caso& c : {Caso{1, 0, 0, 8.5, 11, 203200, 279400}, Caso{9, 0, 0, 210 / 25.4, 297 / 25.4, 203200, 304800},
-                          Caso{256, 4, 6, 4, 6, 101600, 152400}}) {
-        SCOPED_TRACE(c.codigo);
+    // Code, inches asked for and style; inches the page is laid out on; the form,
+    // in thousandths of a millimetre: whole inches, halves to even. A4 is 8.27 x
+    // 11.69 inches: its form rounds to 8 x 12.
+    for (const auto& [codigo, pedido, estilo, pagina, forma] :
+         {std::tuple(1, QSizeF(0, 0), u"Tiendanova"_s, QSizeF(8.5, 11), QSize(203200, 279400)),
+          std::tuple(9, QSizeF(0, 0), u"Tiendanova"_s, QSizeF(210 / 25.4, 297 / 25.4), QSize(203200, 304800)),
+          std::tuple(256, QSizeF(4, 6), u"Caja"_s, QSizeF(4, 6), QSize(101600, 152400)),
+          std::tuple(256, QSizeF(4.5, 6.5), u"Caja"_s, QSizeF(4.5, 6.5), QSize(101600, 152400)),
+          std::tuple(256, QSizeF(5.5, 7.5), u"Caja"_s, QSizeF(5.5, 7.5), QSize(152400, 203200))}) {
+        SCOPED_TRACE(pedido.width());
         NuevaImpresora();
         const int32_t abiertas = cola::ImpresorasAbiertas();
-        imp.PaperSize(c.codigo, c.ancho, c.alto);
+        imp.PaperSize(codigo, pedido.width(), pedido.height(), estilo);
         // The printable area as the device lays it out, to the dot.
-        EXPECT_NEAR(imp.FormaAncho(), c.formaAncho, 0.01);
-        EXPECT_NEAR(imp.FormaAlto(), c.formaAlto, 0.01);
+        EXPECT_NEAR(imp.FormaAncho(), pagina.width(), 0.01);
+        EXPECT_NEAR(imp.FormaAlto(), pagina.height(), 0.01);
         EXPECT_EQ(imp.PapelTipo, 1);
-        const auto forma = Forma(pdf, u"Tiendanova_Tiendanova"_s);
-        ASSERT_TRUE(forma);
-        EXPECT_EQ(forma->cx, c.cx);
-        EXPECT_EQ(forma->cy, c.cy);
-        EXPECT_EQ(cola::UltimaSeleccion(pdf).forma, u"Tiendanova_Tiendanova"_s);
+        EXPECT_EQ(imp.EstiloImpresion(), estilo);
+        EXPECT_EQ(TamanoDeForma(pdf, u"Tiendanova_"_s + estilo), forma);
+        EXPECT_EQ(cola::UltimaSeleccion(pdf).forma, u"Tiendanova_"_s + estilo);
         EXPECT_EQ(cola::ImpresorasAbiertas(), abiertas);
         EXPECT_EQ(Miembro(u"PaperSize"_s), 256);
-        EXPECT_EQ(Miembro(u"Width"_s), c.cx * 1440 / 25400);
-        EXPECT_EQ(Miembro(u"Height"_s), c.cy * 1440 / 25400);
-        EXPECT_EQ(PaginaImpresa(), QSizeF(c.cx * 72 / 25400, c.cy * 72 / 25400));
+        EXPECT_EQ(QSize(Miembro(u"Width"_s), Miembro(u"Height"_s)), forma * 1440 / 25400);
+        EXPECT_EQ(PaginaImpresa(), QSizeF(forma) * 72 / 25400);
     }
 }
 

@@ -1,4 +1,0 @@
-target_sources(pruebas PRIVATE
-  ${CMAKE_CURRENT_LIST_DIR}/prueba_letra.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/prueba_aleatorio.cpp
-)
