@@ -5,10 +5,10 @@
 // sheet less quarter-inch margins), and the preview, a whole 8.5 x 11 page.
 // The document is shown and recorded; its spool file goes at tear-down.
 
-#include <QFile>
 #include <gtest/gtest.h>
 
 #include "comun/objeto_grabador.h"
+#include "comun/utilerias_de_prueba.h"
 #include "kaloimpresora/impresora.h"
 #include "kaloimpresora/impresoras.h"
 #include "target/modulo4.h"
@@ -19,7 +19,6 @@ template <class Base = ::testing::Test>
 class ConImpresoraYVistaGrabadoras : public Base {
 protected:
     void SetUp() override {
-        modulo4::Estado() = {};
         impresora = NuevoGrabador();
         impresora->Pon(QStringLiteral("ScaleWidth"), 8.0f);
         impresora->Pon(QStringLiteral("ScaleHeight"), 10.5f);
@@ -32,12 +31,8 @@ protected:
         imp.Archivo = true;
     }
     void TearDown() override {
-        EstableceImpresoraActual(nullptr);
-        modulo4::Estado() = {};
-        const QString db = imp.DB;
         imp.sq = nullptr;
-        if (!db.isEmpty())
-            for (const char* s : {"", "-wal", "-shm"}) QFile::remove(db + QString::fromLatin1(s));
+        BorraReporte(imp.DB);
     }
     virtual std::shared_ptr<ObjetoGrabador> NuevoGrabador() { return std::make_shared<ObjetoGrabador>(); }
 

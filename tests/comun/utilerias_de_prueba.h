@@ -2,8 +2,10 @@
 
 // Helpers shared by the tests.
 
+#include <QFile>
 #include <QLocale>
 #include <gtest/gtest.h>
+#include <vector>
 
 #include "kaloimpresora/automatizacion.h"
 #include "kaloimpresora/utilerias.h"
@@ -19,6 +21,46 @@ int32_t NumeroDeError(F&& cuerpo) {
         return e.numero();
     }
     return 0;
+}
+
+// The same, keeping the error's description too.
+template <class F>
+int32_t NumeroDeError(F&& cuerpo, QString& descripcion) {
+    try {
+        cuerpo();
+    } catch (const ErrorDeAutomatizacion& e) {
+        descripcion = e.descripcion();
+        return e.numero();
+    }
+    return 0;
+}
+
+// Writes a file whole and gives back its path.
+inline QString Escribe(const QString& ruta, const QByteArray& contenido) {
+    QFile f(ruta);
+    EXPECT_TRUE(f.open(QIODevice::WriteOnly)) << ruta.toStdString();
+    f.write(contenido);
+    return ruta;
+}
+
+// A spool file and the log files SQLite keeps beside it.
+inline void BorraReporte(const QString& archivo) {
+    if (archivo.isEmpty()) return;
+    for (const char* s : {"", "-wal", "-shm"}) QFile::remove(archivo + QString::fromLatin1(s));
+}
+
+// One late-bound call, for tables of them: "=Name" assigns the first argument.
+struct Paso {
+    QString miembro;
+    std::vector<Variant> argumentos;
+};
+
+inline Variant Aplica(Objeto& o, Paso p) {
+    if (p.miembro.startsWith(u'=')) {
+        o.Asigna(p.miembro.mid(1), p.argumentos.at(0));
+        return {};
+    }
+    return o.InvocaPorNombre(p.miembro, Llamada::Metodo, p.argumentos);
 }
 
 // An object whose default member reads as a fixed value.

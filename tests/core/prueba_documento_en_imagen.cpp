@@ -3,17 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <QColor>
-#include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QTemporaryDir>
 
 #include "kaloimpresora/impresora.h"
-#include "kaloimpresora/impresoras.h"
 #include "kaloimpresora/superficies.h"
 #include "target/imagen.h"
-#include "target/modulo4.h"
 
 using namespace kalo;
 using namespace Qt::StringLiterals;
@@ -25,7 +21,6 @@ constexpr int kPpp = 96;  // 8.5 x 11 inches at 96 dpi: page inches map 1:1
 class DocumentoEnImagen : public ::testing::Test {
 protected:
     void SetUp() override {
-        modulo4::Estado() = {};
         vista = CreaSuperficieDeImagen(8.5 * kPpp, 11 * kPpp, kPpp);
         imp.Pantalla = true;
         imp.Imagen2 = vista;

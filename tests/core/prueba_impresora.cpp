@@ -45,20 +45,6 @@ TEST(Impresora, ValoresDeUnObjetoNuevoConSuTipo) {
     }
 }
 
-TEST(Impresora, ControlhWndImpresoraSiempreLeeCero) {
-    Impresora imp;
-    for (Variant valor : {Variant(int32_t{12345}), Variant("987"), Variant(-1.0)}) {
-        imp.Asigna(u"ControlhWndImpresora"_s, valor);
-        EXPECT_TRUE(imp.Lee(u"ControlhWndImpresora"_s).identico(Variant(int32_t{0})));
-    }
-    int32_t directo = 55;
-    imp.ControlhWndImpresora(directo);
-    EXPECT_EQ(imp.ControlhWndImpresora(), 0);
-    EXPECT_EQ(directo, 55);
-    // The let still converts its argument first.
-    EXPECT_EQ(NumeroDeError([&] { imp.Asigna(u"ControlhWndImpresora"_s, "ventana"); }), 13);
-}
-
 TEST(Impresora, AsignacionesConviertenAlTipoDeLaPropiedad) {
     ConLocal local("en_US");
     Impresora imp;
@@ -80,6 +66,10 @@ TEST(Impresora, AsignacionesConviertenAlTipoDeLaPropiedad) {
         {"EstiloImpresion", "Ticket", u"Ticket"_s},
         {"FormaAlto", int16_t{14}, 14.0},
         {"Cancelado", Variant(), false},
+        // ControlhWndImpresora takes anything that converts and always reads 0.
+        {"ControlhWndImpresora", int32_t{12345}, int32_t{0}},
+        {"ControlhWndImpresora", "987", int32_t{0}},
+        {"ControlhWndImpresora", -1.0, int32_t{0}},
     };
     for (const auto& c : casos) {
         SCOPED_TRACE(c.propiedad);
@@ -89,6 +79,10 @@ TEST(Impresora, AsignacionesConviertenAlTipoDeLaPropiedad) {
     }
     EXPECT_EQ(imp.FormaAlto(), 14);
     EXPECT_EQ(imp.EstiloImpresion(), u"Ticket"_s);
+    int32_t directo = 55;
+    imp.ControlhWndImpresora(directo);
+    EXPECT_EQ(imp.ControlhWndImpresora(), 0);
+    EXPECT_EQ(directo, 55);
 }
 
 TEST(Impresora, AsignacionesInvalidasNoCambianNada) {
@@ -106,6 +100,7 @@ TEST(Impresora, AsignacionesInvalidasNoCambianNada) {
         {"Paginas", 3e10, 6},
         {"FechaInicial", "no es fecha", 13},
         {"Documento", Variant::Falta(), 13},
+        {"ControlhWndImpresora", "ventana", 13},
     };
     for (const auto& c : casos) {
         SCOPED_TRACE(c.propiedad);

@@ -8,7 +8,6 @@
 
 using namespace kalo;
 using namespace Qt::StringLiterals;
-using kalo::prueba::ConLocal;
 using kalo::prueba::NumeroDeError;
 using kalo::prueba::Renglones;
 
@@ -40,37 +39,6 @@ TEST_F(Texto, SayEnLaImpresoraRestaLosMargenes) {
     EXPECT_TRUE(imp.DB.isEmpty());
 }
 
-TEST_F(Texto, ComandosDeFuenteComoSeRegistran) {
-    ConLocal local("en_US");
-    imp.IniciaDocumento();
-    imp.EstableceFuente(u"Courier New"_s, u"10.5"_s);
-    imp.FontBold(1);
-    imp.FontBold(true);
-    imp.FontITalic(-1);
-    imp.FuenteTransparente(true);
-    imp.ColorDeFuente(255);
-    imp.CurrentX(0.25);
-    imp.CurrentY(u"3"_s);
-    const auto r = Renglones(imp.DB);
-    ASSERT_EQ(r.size(), 9u);
-    const QStringList esperados = {
-        u"EstableceFuente \"Courier New\",Fn(\"10.5\")\r\n"_s, u"FontBold False\r\n"_s, u"FontBold True\r\n"_s,
-        u"FontItalic True\r\n"_s, u"FuenteTransparente False\r\n"_s, u"ColorDeFuente 255\r\n"_s,
-        u"CurrentX Fn(\"0.25\")\r\n"_s, u"CurrentY Fn(\"3\")\r\n"_s};
-    for (int i = 0; i < esperados.size(); ++i) EXPECT_EQ(r[i + 1].source, esperados[i]);
-    EXPECT_EQ(r[1].fuente, u"Courier New"_s);
-    EXPECT_DOUBLE_EQ(r[1].fsize, 10.5);
-    EXPECT_NE(r[2].bold, 0);
-    EXPECT_NE(r[4].italic, 0);
-    EXPECT_EQ(r[4].bold, 0);
-    // The preview gets the values as given, the size scaled to it (here 1:1).
-    EXPECT_TRUE(vista->Valor(u"FontBold"_s).identico(Variant(true)));
-    EXPECT_TRUE(vista->Valor(u"FontTransparent"_s).identico(Variant(true)));
-    EXPECT_TRUE(vista->Valor(u"ForeColor"_s).identico(Variant(int32_t{255})));
-    EXPECT_EQ(CDbl(vista->Valor(u"FontSize"_s)), 10.5);
-    EXPECT_TRUE(vista->Valor(u"CurrentY"_s).identico(Variant(u"3"_s)));
-}
-
 TEST_F(Texto, RenglonYColumnaDeLaRejilla) {
     struct Caso {
         Variant valor;
@@ -96,15 +64,6 @@ TEST_F(Texto, LosErroresDeConversionLleganAntesDeRegistrar) {
     imp.CurrentY(2);
     EXPECT_EQ(imp.nLinea, 2);
     EXPECT_EQ(Renglones(imp.DB).size(), 2u);
-}
-
-TEST_F(Texto, SinDocumentoCursivaYTransparenciaFallanDespuesDeRegistrar) {
-    Impresora nueva;
-    nueva.Pantalla = true;
-    EXPECT_NO_THROW(nueva.FontBold(true));
-    EXPECT_EQ(NumeroDeError([&] { nueva.FontITalic(true); }), 91);
-    EXPECT_EQ(NumeroDeError([&] { nueva.FuenteTransparente(true); }), 91);
-    EXPECT_EQ(nueva.nLinea, 3);
 }
 
 TEST_F(Texto, PorNombreComoLoLlamaElAnfitrion) {

@@ -7,10 +7,6 @@
 // listens and runs only the SinServidor tests; without it a private server
 // with two queues is started for the Cups tests.
 
-#include <sys/socket.h>
-#include <netinet/in.h>
-#include <unistd.h>
-
 #include <algorithm>
 
 #include <QCoreApplication>
@@ -22,13 +18,12 @@
 #include <cstring>
 #include <gtest/gtest.h>
 
+#include "comun/herramientas_pdf.h"
 #include "comun/lectura_de_barras.h"
 #include "comun/utilerias_de_prueba.h"
-#include "cups/herramientas_pdf.h"
 #include "kaloimpresora/impresora.h"
 #include "kaloimpresora/impresoras.h"
 #include "target/impresora_sistema.h"
-#include "target/modulo4.h"
 
 using namespace kalo;
 using namespace Qt::StringLiterals;
@@ -37,21 +32,6 @@ using namespace kalo::prueba;
 namespace {
 
 bool sinServidor = false;
-
-// A loopback port with nothing listening on it.
-int PuertoSinServidor() {
-    const int s = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in d{};
-    d.sin_family = AF_INET;
-    d.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t largo = sizeof d;
-    int puerto = 1;
-    if (bind(s, reinterpret_cast<sockaddr*>(&d), sizeof d) == 0 &&
-        getsockname(s, reinterpret_cast<sockaddr*>(&d), &largo) == 0)
-        puerto = ntohs(d.sin_port);
-    close(s);
-    return puerto;
-}
 
 class ServidorPrivado : public ::testing::Environment {
 public:
@@ -63,7 +43,7 @@ public:
         ASSERT_TRUE(dir_.isValid());
         carpeta = dir_.path();
         if (sinServidor) {
-            qputenv("CUPS_SERVER", "127.0.0.1:" + QByteArray::number(PuertoSinServidor()));
+            qputenv("CUPS_SERVER", "127.0.0.1:1");  // nothing listens there
             qputenv("KALO_CARPETA_DE_IMPRESOS", QFile::encodeName(dir_.filePath(u"impresos"_s)));
             return;
         }
@@ -103,11 +83,6 @@ QString EsperaTrabajo(int32_t trabajo, const QString& extension = u"pdf"_s) {
     return QFile::exists(ruta) ? ruta : QString();
 }
 
-QString LeeTexto(const QString& ruta) {
-    QFile f(ruta);
-    return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
-}
-
 class Cups : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -121,29 +96,34 @@ protected:
     std::shared_ptr<ImpresoraDelSistema> impresora;
 };
 
+// Every destination, made once per index; the default one is the current
+// printer. "Otra" is a raw queue: a document of only new pages still has them.
 TEST_F(Cups, LaColeccionListaCadaDestino) {
+    EXPECT_EQ(impresora->DeviceName(), u"Kalo"_s);
+    EXPECT_EQ(ImpresoraActual(), impresora);
     auto impresoras = ColeccionDeImpresoras();
     ASSERT_EQ(CLng(impresoras->Lee(u"Count"_s)), 2);
     QStringList nombres;
     for (int32_t i = 0; i < 2; ++i) {
-        auto impresora = impresoras->Llama(u"Item"_s, {i}).objeto();
-        ASSERT_TRUE(impresora);
-        nombres << impresora->Lee(u"DeviceName"_s).texto();
+        auto otra = std::dynamic_pointer_cast<ImpresoraDelSistema>(impresoras->Llama(u"Item"_s, {i}).objeto());
+        ASSERT_TRUE(otra);
+        nombres << otra->DeviceName();
         // Item is the default member, and the same index gives the same object.
         Variant indice[] = {i};
-        EXPECT_EQ(impresoras->Invoca(kDispidValor, Llamada::Metodo, indice).objeto(), impresora);
+        EXPECT_EQ(impresoras->Invoca(kDispidValor, Llamada::Metodo, indice).objeto(), otra);
+        if (otra->DeviceName() != u"Otra"_s) continue;
+        otra->Llama(u"NewPage"_s);
+        otra->Llama(u"NewPage"_s);
+        otra->Llama(u"EndDoc"_s);
+        const QString pdf = EsperaTrabajo(otra->UltimoTrabajo());
+        ASSERT_FALSE(pdf.isEmpty());
+        EXPECT_EQ(LeePdf(pdf).paginas, 3);
     }
     nombres.sort();
     EXPECT_EQ(nombres, (QStringList{u"Kalo"_s, u"Otra"_s}));
     for (int32_t fuera : {-1, 2})
         EXPECT_EQ(NumeroDeError([&] { impresoras->Llama(u"Item"_s, {fuera}); }), err::kSubindiceFueraDeIntervalo);
     EXPECT_EQ(NumeroDeError([&] { impresoras->Asigna(u"Count"_s, 3); }), err::kNoAdmitePropiedadOMetodo);
-}
-
-TEST_F(Cups, LaImpresoraActualEsLaPredeterminada) {
-    EXPECT_EQ(impresora->DeviceName(), u"Kalo"_s);
-    // Created once and kept.
-    EXPECT_EQ(ImpresoraActual(), impresora);
 }
 
 TEST_F(Cups, AreaImprimibleYHojaDelDestino) {
@@ -165,32 +145,60 @@ TEST_F(Cups, AreaImprimibleYHojaDelDestino) {
     EXPECT_NEAR(CDbl(o.Lee(u"ScaleHeight"_s)), (824.0 - 18) / 72, 2e-3);
 }
 
-TEST_F(Cups, DocumentoDeTresPaginasEnUnSoloTrabajo) {
+// Nothing reaches the server until a job ends; a killed one never gets a
+// number (the server numbers jobs in sequence); copies and sheet go with it.
+TEST_F(Cups, LosTrabajosLleganALaColaConSusPaginasHojaYCopias) {
     Objeto& o = *impresora;
     o.Asigna(u"ScaleMode"_s, int16_t{5});
-    o.Llama(u"Print"_s, {u"uno"_s});
-    o.Llama(u"NewPage"_s);
-    o.Llama(u"Print"_s, {u"dos"_s});
-    o.Llama(u"NewPage"_s);
-    o.Llama(u"Print"_s, {u"tres"_s});
-    // Nothing reaches the server until the job ends.
-    const int32_t antes = impresora->UltimoTrabajo();
+    o.Llama(u"Line"_s, {int16_t{38}, 0.0, 0.0, 0.5, 0.5, 0});
+    for (const QString& texto : {u"uno"_s, u"dos"_s, u"tres"_s}) {
+        if (texto != u"uno"_s) o.Llama(u"NewPage"_s);
+        o.Llama(u"Print"_s, {texto});
+    }
+    EXPECT_EQ(impresora->UltimoTrabajo(), 0);
     o.Llama(u"EndDoc"_s);
     const int32_t trabajo = impresora->UltimoTrabajo();
-    ASSERT_GT(trabajo, antes);
-
-    const QString pdf = EsperaTrabajo(trabajo);
+    ASSERT_GT(trabajo, 0);
+    QString pdf = EsperaTrabajo(trabajo);
     ASSERT_FALSE(pdf.isEmpty()) << "el trabajo " << trabajo << " no llegó a la cola";
-    const auto datos = LeePdf(pdf);
-    ASSERT_TRUE(datos.legible);
+    auto datos = LeePdf(pdf);
     EXPECT_EQ(datos.paginas, 3);
-    for (const QSizeF& t : datos.tamanos) EXPECT_EQ(t, QSizeF(612, 792));
+    EXPECT_EQ(datos.tamanos, std::vector<QSizeF>(3, QSizeF(612, 792)));
+    // The box covers 18..54 points: inside the printable area, not the sheet's
+    // corner. "uno" starts where the box ends, so past it look beside the text.
+    const QImage pagina = PaginaComoImagen(pdf, 1, 72);
+    ASSERT_EQ(pagina.size(), QSize(612, 792));
+    struct Punto {
+        int x, y;
+        bool tinta;
+    };
+    for (auto [x, y, tinta] : {Punto{9, 9, false}, Punto{20, 20, true}, Punto{52, 52, true}, Punto{60, 30, false},
+                               Punto{30, 60, false}})
+        EXPECT_EQ(HayTinta(pagina, x, y), tinta) << x << ',' << y;
+
+    o.Llama(u"Print"_s, {u"descartado"_s});
+    o.Llama(u"NewPage"_s);
+    o.Llama(u"KillDoc"_s);
+    EXPECT_EQ(CLng(o.Lee(u"hDC"_s)), 0);
+
+    o.Asigna(u"Copies"_s, 3);
+    o.Asigna(u"PaperSize"_s, int16_t{5});
+    o.Llama(u"Print"_s, {u"legal"_s});
+    o.Llama(u"EndDoc"_s);
+    EXPECT_EQ(impresora->UltimoTrabajo(), trabajo + 1);
+    pdf = EsperaTrabajo(trabajo + 1);
+    ASSERT_FALSE(pdf.isEmpty());
+    QFile txt(EsperaTrabajo(trabajo + 1, u"txt"_s));
+    EXPECT_TRUE(txt.open(QIODevice::ReadOnly));
+    const QString atributos = QString::fromUtf8(txt.readAll());
+    EXPECT_TRUE(atributos.contains(u"copias=3\n"_s)) << atributos.toStdString();
+    EXPECT_TRUE(atributos.contains(u"media=Legal"_s)) << atributos.toStdString();
+    EXPECT_EQ(LeePdf(pdf).tamanos, std::vector<QSizeF>{QSizeF(612, 1008)});
 }
 
 // The whole way a host prints barcodes: Impresora on the queue, the job's
 // PDF rasterised as a scanner would see the paper, read back with zbar.
 TEST_F(Cups, LosCodigosDeBarrasImpresosSeLeen) {
-    modulo4::Estado() = {};
     Impresora imp;
     imp.IniciaDocumento();
     imp.Codigo39(1440, 1440, 15, 900, u"ABC-12"_s, true, 1);
@@ -200,80 +208,11 @@ TEST_F(Cups, LosCodigosDeBarrasImpresosSeLeen) {
     const QString pdf = EsperaTrabajo(impresora->UltimoTrabajo());
     ASSERT_FALSE(pdf.isEmpty());
     auto lecturas = Lee(PaginaComoImagen(pdf, 1, 300));
-    std::sort(lecturas.begin(), lecturas.end());
-    const std::vector<Lectura> esperadas = {
+    std::vector<Lectura> esperadas = {
         {zbar::ZBAR_EAN13, "7501000000012"}, {zbar::ZBAR_CODE39, "ABC-12T"}, {zbar::ZBAR_CODE128, "Pedido 4512"}};
-    auto ordenadas = esperadas;
-    std::sort(ordenadas.begin(), ordenadas.end());
-    EXPECT_EQ(lecturas, ordenadas);
-    modulo4::Estado() = {};
-}
-
-TEST_F(Cups, LasCopiasYLaHojaLleganAlTrabajo) {
-    Objeto& o = *impresora;
-    o.Asigna(u"Copies"_s, 3);
-    o.Asigna(u"PaperSize"_s, int16_t{5});
-    o.Llama(u"Print"_s, {u"legal"_s});
-    o.Llama(u"EndDoc"_s);
-    const int32_t trabajo = impresora->UltimoTrabajo();
-    ASSERT_FALSE(EsperaTrabajo(trabajo).isEmpty());
-    const QString atributos = LeeTexto(EsperaTrabajo(trabajo, u"txt"_s));
-    EXPECT_TRUE(atributos.contains(u"copias=3\n"_s)) << atributos.toStdString();
-    EXPECT_TRUE(atributos.contains(u"media=Legal"_s)) << atributos.toStdString();
-    const auto datos = LeePdf(EsperaTrabajo(trabajo));
-    ASSERT_EQ(datos.tamanos.size(), 1u);
-    EXPECT_EQ(datos.tamanos[0], QSizeF(612, 1008));
-}
-
-TEST_F(Cups, KillDocNoEnviaNada) {
-    Objeto& o = *impresora;
-    o.Llama(u"Print"_s, {u"primero"_s});
-    o.Llama(u"EndDoc"_s);
-    const int32_t primero = impresora->UltimoTrabajo();
-    o.Llama(u"Print"_s, {u"descartado"_s});
-    o.Llama(u"NewPage"_s);
-    o.Llama(u"KillDoc"_s);
-    EXPECT_EQ(CLng(o.Lee(u"hDC"_s)), 0);
-    o.Llama(u"Print"_s, {u"segundo"_s});
-    o.Llama(u"EndDoc"_s);
-    // The server numbers jobs in sequence: the killed one never got a number.
-    EXPECT_EQ(impresora->UltimoTrabajo(), primero + 1);
-    const QString pdf = EsperaTrabajo(primero + 1);
-    ASSERT_FALSE(pdf.isEmpty());
-    EXPECT_EQ(LeePdf(pdf).paginas, 1);
-}
-
-TEST_F(Cups, ElOrigenEsLaEsquinaDelAreaImprimible) {
-    Objeto& o = *impresora;
-    o.Asigna(u"ScaleMode"_s, int16_t{5});
-    o.Llama(u"Line"_s, {int16_t{38}, 0.0, 0.0, 0.5, 0.5, 0});
-    o.Llama(u"EndDoc"_s);
-    const QString pdf = EsperaTrabajo(impresora->UltimoTrabajo());
-    ASSERT_FALSE(pdf.isEmpty());
-    const QImage pagina = PaginaComoImagen(pdf, 1, 72);
-    ASSERT_EQ(pagina.size(), QSize(612, 792));
-    // The box covers 18..54 points: inside the printable area, not the sheet's corner.
-    EXPECT_FALSE(HayTinta(pagina, 9, 9));
-    EXPECT_TRUE(HayTinta(pagina, 20, 20));
-    EXPECT_TRUE(HayTinta(pagina, 52, 52));
-    EXPECT_FALSE(HayTinta(pagina, 60, 60));
-}
-
-// A raw queue, and a document of only new pages: each one is still a page.
-TEST_F(Cups, ColaSinDescripcionYSoloPaginasNuevas) {
-    auto impresoras = ColeccionDeImpresoras();
-    std::shared_ptr<ImpresoraDelSistema> otra;
-    for (int32_t i = 0; i < CLng(impresoras->Lee(u"Count"_s)); ++i) {
-        auto candidata = std::dynamic_pointer_cast<ImpresoraDelSistema>(impresoras->Llama(u"Item"_s, {i}).objeto());
-        if (candidata && candidata->DeviceName() == u"Otra"_s) otra = candidata;
-    }
-    ASSERT_TRUE(otra);
-    otra->Llama(u"NewPage"_s);
-    otra->Llama(u"NewPage"_s);
-    otra->Llama(u"EndDoc"_s);
-    const QString pdf = EsperaTrabajo(otra->UltimoTrabajo());
-    ASSERT_FALSE(pdf.isEmpty());
-    EXPECT_EQ(LeePdf(pdf).paginas, 3);
+    std::sort(lecturas.begin(), lecturas.end());
+    std::sort(esperadas.begin(), esperadas.end());
+    EXPECT_EQ(lecturas, esperadas);
 }
 
 class SinServidor : public ::testing::Test {

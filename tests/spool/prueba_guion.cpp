@@ -8,13 +8,14 @@
 #include <gtest/gtest.h>
 
 #include "comun/impresora_con_grabadores.h"
+#include "comun/lectura_de_reporte.h"
 #include "comun/utilerias_de_prueba.h"
 #include "spool/conexion.h"
 #include "spool/guion.h"
 
 using namespace kalo;
 using namespace Qt::StringLiterals;
-using kalo::prueba::ConLocal;
+using namespace kalo::prueba;
 
 namespace {
 
@@ -32,6 +33,16 @@ QString Describe(const std::vector<Variant>& v) {
     QStringList partes;
     for (const auto& a : v) partes << QString::number(static_cast<int>(a.tipo())) + u':' + CStr(a);
     return partes.join(u" | "_s);
+}
+
+// A database made by hand, statement by statement.
+QString BaseHecha(const QTemporaryDir& dir, const char* nombre, const std::vector<QByteArray>& sql) {
+    const QString ruta = dir.filePath(QString::fromLatin1(nombre));
+    sqlite3* bd = nullptr;
+    EXPECT_EQ(sqlite3_open(ruta.toUtf8().constData(), &bd), SQLITE_OK);
+    for (const QByteArray& s : sql) sqlite3_exec(bd, s.constData(), nullptr, nullptr, nullptr);
+    sqlite3_close(bd);
+    return ruta;
 }
 
 TEST_F(Guion, CadaRenglonGrabadoSeLeeConLosValoresQueSePasaron) {
@@ -95,6 +106,18 @@ TEST_F(Guion, CadaRenglonGrabadoSeLeeConLosValoresQueSePasaron) {
         EXPECT_TRUE(iguales) << Describe(c->argumentos).toStdString() << "\n esperados "
                              << Describe(esperados[i].argumentos).toStdString();
     }
+    // Beside the text: the font and the flags as given.
+    const auto r = Renglones(imp.DB);
+    EXPECT_EQ(r[1].fuente, u"Courier New"_s);
+    EXPECT_DOUBLE_EQ(r[1].fsize, 10.5);
+    EXPECT_NE(r[2].bold, 0);
+    EXPECT_NE(r[3].italic, 0);
+    EXPECT_EQ(r[3].bold, 0);
+    // The preview gets the values as given, the size scaled to it (here 1:1).
+    EXPECT_TRUE(vista->Valor(u"FontBold"_s).identico(Variant(1)));
+    EXPECT_TRUE(vista->Valor(u"FontTransparent"_s).identico(Variant(true)));
+    EXPECT_TRUE(vista->Valor(u"ForeColor"_s).identico(Variant(255)));
+    EXPECT_EQ(CDbl(vista->Valor(u"FontSize"_s)), 10.5);
 }
 
 TEST(GuionLeeComando, TextosMalFormadosORehusadosDanUnMensaje) {
@@ -201,81 +224,46 @@ TEST_F(Guion, ReproducirDaLasMismasLlamadasALaVista) {
 
 TEST(GuionLector, ArchivosQueNoSonReportesSeNombranEnElError) {
     QTemporaryDir dir;
-    const QString basura = dir.filePath(u"basura.rep"_s);
-    {
-        QFile f(basura);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(QByteArray(4096, 'x'));
-    }
-    const QString sinTabla = dir.filePath(u"sin_tabla.rep"_s);
-    {
-        // A valid database holding only the header table.
-        sqlite3* bd = nullptr;
-        ASSERT_EQ(sqlite3_open(sinTabla.toUtf8().constData(), &bd), SQLITE_OK);
-        sqlite3_exec(bd, "CREATE TABLE header( paginas INTEGER )", nullptr, nullptr, nullptr);
-        sqlite3_close(bd);
-    }
     struct Caso {
         QString archivo;
         int32_t numero;
         const char16_t* mensaje;
     } casos[] = {
         {dir.filePath(u"no_existe.rep"_s), err::kArchivoNoEncontrado, u"No se encuentra"},
-        {basura, err::kErrorDeBaseDeDatos, u"no es un archivo de reporte"},
-        {sinTabla, err::kErrorDeBaseDeDatos, u"le falta la tabla source"},
+        {Escribe(dir.filePath(u"basura.rep"_s), QByteArray(4096, 'x')), err::kErrorDeBaseDeDatos,
+         u"no es un archivo de reporte"},
+        {BaseHecha(dir, "sin_tabla.rep", {"CREATE TABLE header( paginas INTEGER )"}), err::kErrorDeBaseDeDatos,
+         u"le falta la tabla source"},
     };
     for (const auto& c : casos) {
-        SCOPED_TRACE(c.archivo.toStdString());
-        try {
-            LectorDeReporte lector(c.archivo);
-            ADD_FAILURE() << "abrió";
-        } catch (const ErrorDeAutomatizacion& e) {
-            EXPECT_EQ(e.numero(), c.numero);
-            EXPECT_TRUE(e.descripcion().contains(QString::fromUtf16(c.mensaje))) << e.descripcion().toStdString();
-            EXPECT_TRUE(e.descripcion().contains(c.archivo));
-        }
+        QString descripcion;
+        EXPECT_EQ(NumeroDeError([&] { LectorDeReporte lector(c.archivo); }, descripcion), c.numero);
+        EXPECT_TRUE(descripcion.contains(QString::fromUtf16(c.mensaje))) << descripcion.toStdString();
+        EXPECT_TRUE(descripcion.contains(c.archivo));
     }
     EXPECT_FALSE(QFile::exists(dir.filePath(u"no_existe.rep"_s)));
 }
 
-}  // namespace
-
-namespace {
-
 TEST(GuionLector, LosRenglonesSalenEnOrdenDeRowComoSeHayanEscrito) {
-    struct Caso {
-        const char* nombre;
-        std::vector<int> rows;  // in the order they are inserted
-    } casos[] = {
-        {"en_orden", {1, 2, 3, 4}},
-        {"desordenado", {3, 1, 4, 2}},
-    };
     QTemporaryDir dir;
-    for (const Caso& c : casos) {
-        const QString archivo = dir.filePath(QString::fromLatin1(c.nombre) + u".rep"_s);
-        sqlite3* bd = nullptr;
-        ASSERT_EQ(sqlite3_open(archivo.toUtf8().constData(), &bd), SQLITE_OK);
-        sqlite3_exec(bd,
-                     "CREATE TABLE source( pagina INTEGER, source TEXT, row INTEGER, contenido TEXT, fuente TEXT, "
-                     "fsize REAL, nrow REAL, ncol REAL, bold INTEGER, italic INTEGER )",
-                     nullptr, nullptr, nullptr);
-        for (int row : c.rows) {
-            const QByteArray sql = "INSERT INTO source( pagina, row, source, bold ) VALUES ( 1, " +
-                                   QByteArray::number(row) + ", 'CurrentX Fn(\"" + QByteArray::number(row) +
-                                   "\")', " + QByteArray::number(row % 2) + " )";
-            sqlite3_exec(bd, sql.constData(), nullptr, nullptr, nullptr);
-        }
-        sqlite3_close(bd);
-
-        std::vector<int64_t> leidos;
-        LectorDeReporte lector(archivo);
+    for (const std::vector<int>& insertados : {std::vector<int>{1, 2, 3, 4}, std::vector<int>{3, 1, 4, 2}}) {
+        std::vector<QByteArray> sql = {
+            "CREATE TABLE source( pagina INTEGER, source TEXT, row INTEGER, contenido TEXT, fuente TEXT, "
+            "fsize REAL, nrow REAL, ncol REAL, bold INTEGER, italic INTEGER )"};
+        for (int row : insertados)
+            sql.push_back("INSERT INTO source( pagina, row, source, bold ) VALUES ( 1, " + QByteArray::number(row) +
+                          ", 'CurrentX Fn(\"" + QByteArray::number(row) + "\")', " + QByteArray::number(row % 2) +
+                          " )");
+        const QByteArray nombre = "orden-" + QByteArray::number(insertados[0]) + ".rep";
+        LectorDeReporte lector(BaseHecha(dir, nombre.constData(), sql));
         LectorDeReporte::Renglon r;
+        std::vector<int64_t> leidos;
         while (lector.Siguiente(r)) {
-            EXPECT_EQ(r.source, u"CurrentX Fn(\"%1\")"_s.arg(r.row)) << c.nombre;
-            EXPECT_EQ(r.bold, r.row % 2 == 1) << c.nombre;
+            EXPECT_EQ(r.source, u"CurrentX Fn(\"%1\")"_s.arg(r.row)) << nombre.constData();
+            EXPECT_EQ(r.bold, r.row % 2 == 1) << nombre.constData();
             leidos.push_back(r.row);
         }
-        EXPECT_EQ(leidos, (std::vector<int64_t>{1, 2, 3, 4})) << c.nombre;
+        EXPECT_EQ(leidos, (std::vector<int64_t>{1, 2, 3, 4})) << nombre.constData();
     }
 }
 

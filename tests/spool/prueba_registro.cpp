@@ -4,10 +4,10 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 
 #include "comun/acceso_interno.h"
 #include "comun/lectura_de_reporte.h"
@@ -15,32 +15,23 @@
 #include "comun/utilerias_de_prueba.h"
 #include "kaloimpresora/impresora.h"
 #include "kaloimpresora/impresoras.h"
-#include "target/modulo4.h"
 
 using namespace kalo;
 using namespace Qt::StringLiterals;
-using kalo::prueba::ConLocal;
-using kalo::prueba::Consulta;
-using kalo::prueba::Fila;
-using kalo::prueba::NumeroDeError;
-using kalo::prueba::ObjetoGrabador;
+using namespace kalo::prueba;
 
 namespace {
 
 class Registro : public ::testing::Test {
 protected:
     void SetUp() override {
-        modulo4::Estado() = {};
         EstableceImpresoraActual(std::make_shared<ObjetoGrabador>());
         imp.Pantalla = true;
         imp.Archivo = true;
     }
     void TearDown() override {
-        EstableceImpresoraActual(nullptr);
-        for (const QString& f : creados) {
-            imp.sq = nullptr;
-            for (const char* sufijo : {"", "-wal", "-shm"}) QFile::remove(f + QString::fromLatin1(sufijo));
-        }
+        imp.sq = nullptr;
+        for (const QString& f : creados) BorraReporte(f);
     }
     QString Archivo() {
         if (!imp.DB.isEmpty() && !creados.contains(imp.DB)) creados << imp.DB;
@@ -51,74 +42,67 @@ protected:
     QStringList creados;
 };
 
-TEST_F(Registro, ElPrimerComandoCreaElArchivoJuntoALaBiblioteca) {
+// The first command creates the file beside the library; the documents that
+// follow go on in it, rows numbered on and pages counted in the header.
+TEST_F(Registro, UnArchivoParaLosDocumentosQueSiguen) {
     imp.IniciaDocumento();
-    const QFileInfo archivo(Archivo());
-    ASSERT_TRUE(archivo.exists()) << imp.DB.toStdString();
-    EXPECT_TRUE(QRegularExpression(u"^\\d{6}(1?\\d)\\.rep$"_s).match(archivo.fileName()).hasMatch())
-        << archivo.fileName().toStdString();
-    EXPECT_NE(imp.sq, nullptr);
-    const auto esquema = Consulta(archivo.filePath(), "SELECT type, name, sql FROM sqlite_master ORDER BY rowid");
-    ASSERT_EQ(esquema.size(), 3u);
-    EXPECT_EQ(esquema[0][2],
-              u"CREATE TABLE source( pagina INTEGER, source TEXT, row INTEGER, contenido TEXT, fuente TEXT, fsize "
-              "REAL, nrow REAL, ncol REAL, bold INTEGER, italic INTEGER )"_s);
-    EXPECT_EQ(esquema[1][2], u"CREATE INDEX paginarow ON source( pagina, row )"_s);
-    EXPECT_EQ(esquema[2][2], u"CREATE TABLE header( paginas INTEGER )"_s);
-}
-
-TEST_F(Registro, UnDocumentoDeTresPaginas) {
-    imp.IniciaDocumento();
-    imp.PaginaNueva();
-    EXPECT_EQ(Consulta(Archivo(), "SELECT paginas FROM header"), (std::vector<Fila>{{u"2"_s}}));
-    imp.PaginaNueva();
-    imp.FinDocumento();
-    const auto filas = Consulta(Archivo(),
-                                "SELECT pagina, row, source, contenido, fuente, fsize, nrow, ncol, bold, italic "
-                                "FROM source ORDER BY pagina, row");
-    const std::vector<Fila> esperadas = {
-        {u"1"_s, u"1"_s, u"IniciaDocumento\r\n"_s, u""_s, u""_s, u"0.0"_s, u"0.0"_s, u"0.0"_s, u"0"_s, u"0"_s},
-        {u"2"_s, u"2"_s, u"PaginaNueva\r\n"_s, u""_s, u""_s, u"0.0"_s, u"0.0"_s, u"0.0"_s, u"0"_s, u"0"_s},
-        {u"3"_s, u"3"_s, u"PaginaNueva\r\n"_s, u""_s, u""_s, u"0.0"_s, u"0.0"_s, u"0.0"_s, u"0"_s, u"0"_s},
-        {u"3"_s, u"4"_s, u"FinDocumento\r\n"_s, u""_s, u""_s, u"0.0"_s, u"0.0"_s, u"0.0"_s, u"0"_s, u"0"_s},
-    };
-    EXPECT_EQ(filas, esperadas);
-    EXPECT_EQ(Consulta(Archivo(), "SELECT paginas FROM header"), (std::vector<Fila>{{u"3"_s}}));
-    // After FinDocumento the file alone holds everything: no pending log.
-    EXPECT_EQ(QFileInfo(Archivo() + u"-wal"_s).size(), 0);
-}
-
-TEST_F(Registro, DosDocumentosEnUnMismoArchivo) {
-    imp.IniciaDocumento();
-    imp.FinDocumento();
     const QString primero = Archivo();
+    ASSERT_TRUE(QFileInfo::exists(primero)) << primero.toStdString();
+    EXPECT_TRUE(QRegularExpression(u"^\\d{6}(1?\\d)\\.rep$"_s).match(QFileInfo(primero).fileName()).hasMatch())
+        << primero.toStdString();
+    EXPECT_NE(imp.sq, nullptr);
+    EXPECT_EQ(Consulta(primero, "SELECT sql FROM sqlite_master ORDER BY rowid"),
+              (std::vector<Fila>{{u"CREATE TABLE source( pagina INTEGER, source TEXT, row INTEGER, contenido TEXT, "
+                                  "fuente TEXT, fsize REAL, nrow REAL, ncol REAL, bold INTEGER, italic INTEGER )"_s},
+                                 {u"CREATE INDEX paginarow ON source( pagina, row )"_s},
+                                 {u"CREATE TABLE header( paginas INTEGER )"_s}}));
+    imp.PaginaNueva();
+    EXPECT_EQ(Consulta(primero, "SELECT paginas FROM header"), (std::vector<Fila>{{u"2"_s}}));
+    imp.PaginaNueva();
+    imp.FinDocumento();
+    EXPECT_EQ(Consulta(primero, "SELECT pagina, row, source FROM source ORDER BY row"),
+              (std::vector<Fila>{{u"1"_s, u"1"_s, u"IniciaDocumento\r\n"_s},
+                                 {u"2"_s, u"2"_s, u"PaginaNueva\r\n"_s},
+                                 {u"3"_s, u"3"_s, u"PaginaNueva\r\n"_s},
+                                 {u"3"_s, u"4"_s, u"FinDocumento\r\n"_s}}));
+    EXPECT_EQ(Consulta(primero, "SELECT DISTINCT contenido, fuente, fsize, nrow, ncol, bold, italic FROM source"),
+              (std::vector<Fila>{{u""_s, u""_s, u"0.0"_s, u"0.0"_s, u"0.0"_s, u"0"_s, u"0"_s}}));
+    EXPECT_EQ(Consulta(primero, "SELECT paginas FROM header"), (std::vector<Fila>{{u"3"_s}}));
+    // After FinDocumento the file alone holds everything: no pending log.
+    EXPECT_EQ(QFileInfo(primero + u"-wal"_s).size(), 0);
+
     imp.IniciaDocumento();
     imp.PaginaNueva();
     imp.FinDocumento();
     EXPECT_EQ(imp.DB, primero);
-    const auto filas = Consulta(primero, "SELECT pagina, row FROM source ORDER BY row");
-    const std::vector<Fila> esperadas = {{u"1"_s, u"1"_s}, {u"1"_s, u"2"_s}, {u"1"_s, u"3"_s},
-                                         {u"2"_s, u"4"_s}, {u"2"_s, u"5"_s}};
-    EXPECT_EQ(filas, esperadas);
+    EXPECT_EQ(Consulta(primero, "SELECT pagina, row FROM source WHERE row > 4 ORDER BY row"),
+              (std::vector<Fila>{{u"1"_s, u"5"_s}, {u"2"_s, u"6"_s}, {u"2"_s, u"7"_s}}));
     // Clearing DB starts a new file at the next recorded command.
     imp.DB.clear();
     imp.IniciaDocumento();
     EXPECT_NE(Archivo(), primero);
-    EXPECT_EQ(Consulta(imp.DB, "SELECT row FROM source"), (std::vector<Fila>{{u"6"_s}}));
+    EXPECT_EQ(Consulta(imp.DB, "SELECT row FROM source"), (std::vector<Fila>{{u"8"_s}}));
 }
 
-TEST_F(Registro, SinPantallaNoSeEscribeNadaPeroSeCuenta) {
-    imp.Pantalla = false;
+// Only with both Pantalla and Archivo is anything written; commands are
+// counted anyway, and pages whenever Archivo is on.
+TEST_F(Registro, SinPantallaOSinArchivoNoSeEscribeNadaPeroSeCuenta) {
+    imp.Archivo = false;
+    imp.Paginas = 7;
     imp.IniciaDocumento();
     imp.PaginaNueva();
-    EXPECT_TRUE(imp.DB.isEmpty());
-    EXPECT_EQ(imp.nLinea, 2);
-    EXPECT_EQ(imp.sq, nullptr);
-    imp.Pantalla = true;
-    imp.Archivo = false;
+    EXPECT_EQ(imp.Paginas, 7);
+    imp.Pantalla = false;
+    imp.Archivo = true;
+    imp.IniciaDocumento();
+    EXPECT_EQ(imp.Paginas, 1);
     imp.PaginaNueva();
+    EXPECT_EQ(imp.Paginas, 2);
     EXPECT_TRUE(imp.DB.isEmpty());
-    EXPECT_EQ(imp.nLinea, 3);
+    EXPECT_EQ(imp.sq, nullptr);
+    EXPECT_EQ(imp.nLinea, 4);
+    imp.Paginas = INT32_MAX;
+    EXPECT_EQ(NumeroDeError([&] { imp.PaginaNueva(); }), 6);
 }
 
 TEST_F(Registro, ColumnasYComillasComoLasEscribeElRegistrador) {
@@ -157,8 +141,8 @@ TEST_F(Registro, RenglonesQueSePierdenSinDetenerElDocumento) {
     }
     imp.PaginaNueva();
     EXPECT_EQ(imp.nLinea, 6);
-    const auto filas = Consulta(Archivo(), "SELECT row FROM source ORDER BY row");
-    EXPECT_EQ(filas, (std::vector<Fila>{{u"1"_s}, {u"5"_s}, {u"6"_s}}));
+    EXPECT_EQ(Consulta(Archivo(), "SELECT row FROM source ORDER BY row"),
+              (std::vector<Fila>{{u"1"_s}, {u"5"_s}, {u"6"_s}}));
     EXPECT_EQ(Consulta(Archivo(), "SELECT paginas FROM header"), (std::vector<Fila>{{u"2"_s}}));
 }
 
@@ -169,8 +153,7 @@ TEST_F(Registro, UnArchivoInutilizableNoDetieneNada) {
     // Called by the host, the same failure is reported.
     imp.DB.clear();
     imp.CreaBaseDeDatos();
-    Archivo();
-    EXPECT_TRUE(QFileInfo::exists(imp.DB));
+    EXPECT_TRUE(QFileInfo::exists(Archivo()));
     imp.nLinea = INT32_MAX;
     EXPECT_EQ(NumeroDeError([&] { imp.PaginaNueva(); }), 6);
 }
@@ -200,24 +183,19 @@ TEST_F(Registro, UnProcesoMuertoConservaCadaRenglonConfirmado) {
 }
 
 TEST_F(Registro, BorraArchivoBorraLoQueNombraStrTemp) {
-    const QString carpeta = QDir::tempPath() + u"/kalo-borra-"_s + QString::number(QCoreApplication::applicationPid());
-    QDir().mkpath(carpeta);
-    for (const char* n : {"a.tmp", "b.tmp", "c.txt"}) {
-        QFile f(carpeta + u'/' + QString::fromLatin1(n));
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    }
-    imp.strTemp = carpeta + u"/a.tmp"_s;
+    QTemporaryDir dir;
+    for (const char* n : {"a.tmp", "b.tmp", "c.txt"}) Escribe(dir.filePath(QString::fromLatin1(n)), {});
+    imp.strTemp = dir.filePath(u"a.tmp"_s);
     imp.BorraArchivo();
-    EXPECT_FALSE(QFileInfo::exists(carpeta + u"/a.tmp"_s));
-    imp.strTemp = carpeta + u"/*.tmp"_s;
+    EXPECT_FALSE(QFileInfo::exists(dir.filePath(u"a.tmp"_s)));
+    imp.strTemp = dir.filePath(u"*.tmp"_s);
     imp.BorraArchivo();
-    EXPECT_FALSE(QFileInfo::exists(carpeta + u"/b.tmp"_s));
-    EXPECT_TRUE(QFileInfo::exists(carpeta + u"/c.txt"_s));
+    EXPECT_FALSE(QFileInfo::exists(dir.filePath(u"b.tmp"_s)));
+    EXPECT_TRUE(QFileInfo::exists(dir.filePath(u"c.txt"_s)));
     for (const char* t : {"", "/no/existe", "/proc/1/mem"}) {
         imp.strTemp = QString::fromLatin1(t);
         EXPECT_NO_THROW(imp.BorraArchivo());
     }
-    QDir(carpeta).removeRecursively();
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "comun/objeto_grabador.h"
+#include "comun/utilerias_de_prueba.h"
 #include "kaloimpresora/impresora.h"
 #include "kaloimpresora/impresoras.h"
 #include "spool/reproduccion.h"
@@ -16,6 +17,7 @@
 
 using namespace kalo;
 using namespace Qt::StringLiterals;
+using kalo::prueba::Escribe;
 
 namespace {
 
@@ -53,19 +55,10 @@ Paginas Imprime(const QString& archivo, const OpcionesDeReproduccion& o = {}, Re
     return paginas;
 }
 
-QString Escribe(const QTemporaryDir& dir, const char* nombre, const QByteArray& texto) {
-    const QString ruta = dir.filePath(QString::fromLatin1(nombre));
-    QFile f(ruta);
-    EXPECT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(texto);
-    return ruta;
-}
-
 // The same document printed straight to images, and shown on a preview while recorded.
 class Reproduccion : public ::testing::Test {
 protected:
     void SetUp() override {
-        modulo4::Estado() = {};
         {
             Impresora directa;
             EstableceImpresoraActual(ImpresoraQueJunta(directas));
@@ -78,11 +71,10 @@ protected:
         grabadora.Archivo = true;
         DocumentoDePrueba(grabadora);
         reporte = grabadora.DB;
-        modulo4::Estado() = {};
     }
     void TearDown() override {
         grabadora.sq = nullptr;
-        for (const char* s : {"", "-wal", "-shm"}) QFile::remove(reporte + QString::fromLatin1(s));
+        prueba::BorraReporte(reporte);
     }
 
     Impresora grabadora;
@@ -118,7 +110,7 @@ TEST_F(Reproduccion, CadaPaginaElegidaSaleIgualQueEnElDocumentoDirecto) {
 
 TEST(ReproduccionDeGuion, VariosDocumentosSonVariosYSeEligenPorNumero) {
     QTemporaryDir dir;
-    const QString archivo = Escribe(dir, "dos.txt",
+    const QString archivo = Escribe(dir.filePath(u"dos.txt"_s),
                                     "IniciaDocumento\r\nSay Fn(\"1\"),Fn(\"1\"),\"uno\"\r\nPaginaNueva\r\n"
                                     "FinDocumento\r\nColorDeFuente 255\r\n"
                                     "IniciaDocumento\nSay Fn(\"1\"),Fn(\"1\"),\"dos\"\nFinDocumento\n");
@@ -137,7 +129,7 @@ TEST(ReproduccionDeGuion, ComandosAjenosSeRechazanSinTocarNada) {
     QTemporaryDir dir;
     const QString victima = dir.filePath(u"victima.txt"_s);
     QFile(victima).open(QIODevice::WriteOnly);
-    const QString archivo = Escribe(dir, "ajeno.txt",
+    const QString archivo = Escribe(dir.filePath(u"ajeno.txt"_s),
                                     "IniciaDocumento\nstrTemp \"" + victima.toUtf8() +
                                         "\"\nBorraArchivo\nAbrirCajonDeDinero\nCreaBaseDeDatos\nRangoDeFechas\n"
                                         "Say Fn(\"1\"),Fn(\"1\"),\"sigue\"\nFinDocumento\n");
@@ -156,7 +148,7 @@ TEST(ReproduccionDeGuion, ComandosAjenosSeRechazanSinTocarNada) {
 TEST(ReproduccionDeGuion, UnMensajeDelComponenteSeVuelveAvisoSinDetenerse) {
     QTemporaryDir dir;
     const QString archivo =
-        Escribe(dir, "barras.txt",
+        Escribe(dir.filePath(u"barras.txt"_s),
                 "IniciaDocumento\n"
                 "Codigo39 Fn(\"100\"),Fn(\"100\"),Fn(\"15\"),Fn(\"500\"),\"abc~\",False,False,\"\",\"\"\n"
                 "Say Fn(\"1\"),Fn(\"1\"),\"despues\"\n"
@@ -173,7 +165,7 @@ TEST(ReproduccionDeGuion, UnMensajeDelComponenteSeVuelveAvisoSinDetenerse) {
 TEST(ReproduccionDeGuion, PapelYOrientacionSeRespetanAunEnUnaPaginaSola) {
     QTemporaryDir dir;
     // A sheet changed on a page takes effect from the next one.
-    const QString archivo = Escribe(dir, "papel.txt",
+    const QString archivo = Escribe(dir.filePath(u"papel.txt"_s),
                                     "LandScape\nIniciaDocumento\nSay Fn(\"1\"),Fn(\"1\"),\"uno\"\nPaginaNueva\n"
                                     "Portrait\nPaperSize Fn(\"256\"),Fn(\"4\"),Fn(\"6\")\nPaginaNueva\n"
                                     "Say Fn(\"1\"),Fn(\"1\"),\"tres\"\nFinDocumento\n");

@@ -8,11 +8,13 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-#include "cups/herramientas_pdf.h"
+#include "comun/herramientas_pdf.h"
+#include "comun/utilerias_de_prueba.h"
 #include "runtime/aplicacion.h"
 #include "visor.h"
 
 using namespace Qt::StringLiterals;
+using kalo::prueba::LeePdf;
 
 namespace {
 
@@ -38,11 +40,7 @@ protected:
     }
 
     QString Escribe(const QString& nombre, const QByteArray& contenido) {
-        const QString ruta = dir.filePath(nombre);
-        QFile f(ruta);
-        EXPECT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(contenido);
-        return ruta;
+        return kalo::prueba::Escribe(dir.filePath(nombre), contenido);
     }
 
     Salida Corre(const QStringList& args) {
@@ -113,7 +111,7 @@ TEST_F(Herramienta, RenglonesMalosSeOmitenConAvisoYElRestoSeImprime) {
     EXPECT_TRUE(s.err.contains(u"mixto.txt: documento 1, página 1, renglón 3: renglón omitido: Comando no permitido"_s))
         << s.err.toStdString();
     EXPECT_TRUE(s.err.contains(u"documento 1, página 2, renglón 5"_s)) << s.err.toStdString();
-    EXPECT_EQ(kalo::prueba::LeePdf(pdf).paginas, 2);
+    EXPECT_EQ(LeePdf(pdf).paginas, 2);
     EXPECT_TRUE(s.out.contains(u"2 renglones omitidos"_s)) << s.out.toStdString();
 }
 
@@ -121,7 +119,7 @@ TEST_F(Herramienta, PaginasElegidasAPdfYAPng) {
     const QString pdf = dir.filePath(u"dos.pdf"_s);
     Salida s = Corre({u"imprime"_s, guion, u"--paginas"_s, u"2-3"_s, u"--pdf"_s, pdf});
     ASSERT_EQ(s.codigo, 0) << s.err.toStdString();
-    EXPECT_EQ(kalo::prueba::LeePdf(pdf).paginas, 2);
+    EXPECT_EQ(LeePdf(pdf).paginas, 2);
     EXPECT_TRUE(s.err.isEmpty()) << "sin terminal no hay progreso: " << s.err.toStdString();
 
     const QString carpeta = dir.filePath(u"png"_s);
@@ -137,7 +135,7 @@ TEST_F(Herramienta, SinDestinoVaALaImpresoraActual) {
     ASSERT_EQ(s.codigo, 0) << s.err.toStdString();
     const QStringList pdfs = QDir(dir.filePath(u"impresos"_s)).entryList({u"*.pdf"_s});
     ASSERT_EQ(pdfs.size(), 1);
-    EXPECT_EQ(kalo::prueba::LeePdf(QDir(dir.filePath(u"impresos"_s)).filePath(pdfs[0])).paginas, 3);
+    EXPECT_EQ(LeePdf(QDir(dir.filePath(u"impresos"_s)).filePath(pdfs[0])).paginas, 3);
     EXPECT_TRUE(s.out.contains(pdfs[0])) << s.out.toStdString();
 
     const Salida lista = Corre({u"impresoras"_s});
@@ -180,7 +178,7 @@ TEST_F(Herramienta, VisorPasaPaginasAcercaYExporta) {
     const QString pdf = dir.filePath(u"visor.pdf"_s);
     QString error;
     ASSERT_TRUE(visor.ExportaPdf(pdf, &error)) << error.toStdString();
-    EXPECT_EQ(kalo::prueba::LeePdf(pdf).paginas, 3);
+    EXPECT_EQ(LeePdf(pdf).paginas, 3);
     EXPECT_FALSE(visor.ImprimeEn(u"No Existe"_s, &error));
     EXPECT_TRUE(error.contains(u"No Existe"_s));
 }
