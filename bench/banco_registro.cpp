@@ -5,7 +5,7 @@
 
 #include <QDir>
 
-#include "comun/acceso_interno.h"
+#include "core/privado.h"
 #include "insert_desnudo.h"
 #include "comun/objeto_grabador.h"
 #include "kaloimpresora/impresora.h"
@@ -24,7 +24,7 @@ void RegistraComandos(benchmark::State& estado) {
     imp.CreaBaseDeDatos();
     const QString fuente = u"Say Fn(\"1.5\"),Fn(\"2\"),\"Total a pagar\""_s;
     for (auto _ : estado)
-        kalo::AccesoInterno::RegistraComando(imp, fuente, 9, 18, u"Total a pagar"_s);
+        kalo::RegistraComando(imp, fuente, 9, 18, u"Total a pagar"_s);
     estado.SetItemsProcessed(estado.iterations());
     const QString archivo = imp.DB;
     imp.sq = nullptr;

@@ -9,7 +9,7 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
-#include "comun/acceso_interno.h"
+#include "core/privado.h"
 #include "comun/lectura_de_reporte.h"
 #include "comun/objeto_grabador.h"
 #include "comun/utilerias_de_prueba.h"
@@ -108,10 +108,10 @@ TEST_F(Registro, SinPantallaOSinArchivoNoSeEscribeNadaPeroSeCuenta) {
 TEST_F(Registro, ColumnasYComillasComoLasEscribeElRegistrador) {
     ConLocal local("en_US");
     imp.Paginas = 1;
-    AccesoInterno::RegistraComando(imp, u"Say Fn(\"1\"),Fn(\"2\"),\"a''b\""_s, 6, 2 / 0.10625, u"a\"b'c"_s);
-    AccesoInterno::RegistraComando(imp, u"EstableceFuente \"Arial\",Fn(\"10\")"_s, 0, 0, {}, u"Arial"_s, 10);
-    AccesoInterno::RegistraComando(imp, u"FontBold False"_s, 0, 0, {}, {}, 0, true);
-    AccesoInterno::RegistraComando(imp, u"FontItalic True"_s, 0, 0, {}, {}, 0, false, true);
+    RegistraComando(imp, u"Say Fn(\"1\"),Fn(\"2\"),\"a''b\""_s, 6, 2 / 0.10625, u"a\"b'c"_s);
+    RegistraComando(imp, u"EstableceFuente \"Arial\",Fn(\"10\")"_s, 0, 0, {}, u"Arial"_s, 10);
+    RegistraComando(imp, u"FontBold False"_s, 0, 0, {}, {}, 0, true);
+    RegistraComando(imp, u"FontItalic True"_s, 0, 0, {}, {}, 0, false, true);
     const auto filas =
         Consulta(Archivo(), "SELECT source, nrow, ncol, contenido, fuente, fsize, bold, italic FROM source ORDER BY row");
     ASSERT_EQ(filas.size(), 4u);
@@ -129,15 +129,15 @@ TEST_F(Registro, ColumnasYComillasComoLasEscribeElRegistrador) {
 TEST_F(Registro, RenglonesQueSePierdenSinDetenerElDocumento) {
     imp.IniciaDocumento();
     // A font name with a quote breaks the statement.
-    AccesoInterno::RegistraComando(imp, u"EstableceFuente \"O'Neil\",Fn(\"9\")"_s, 0, 0, {}, u"O'Neil"_s, 9);
+    RegistraComando(imp, u"EstableceFuente \"O'Neil\",Fn(\"9\")"_s, 0, 0, {}, u"O'Neil"_s, 9);
     // Text that would run a second statement never runs.
-    AccesoInterno::RegistraComando(imp, u"EstableceFuente \"x\",Fn(\"9\")"_s, 0, 0, {},
+    RegistraComando(imp, u"EstableceFuente \"x\",Fn(\"9\")"_s, 0, 0, {},
                                    u"x', 0, 0, 0 ); DROP TABLE header; --"_s, 9);
     {
         // In a comma locale a fractional nrow adds a value: the row is lost.
         ConLocal local("es_ES");
-        AccesoInterno::RegistraComando(imp, u"Say Fn(\"1.5\"),Fn(\"0\"),\"x\""_s, 1.5, 0, u"x"_s);
-        AccesoInterno::RegistraComando(imp, u"Say Fn(\"1\"),Fn(\"0\"),\"y\""_s, 6, 0, u"y"_s);
+        RegistraComando(imp, u"Say Fn(\"1.5\"),Fn(\"0\"),\"x\""_s, 1.5, 0, u"x"_s);
+        RegistraComando(imp, u"Say Fn(\"1\"),Fn(\"0\"),\"y\""_s, 6, 0, u"y"_s);
     }
     imp.PaginaNueva();
     EXPECT_EQ(imp.nLinea, 6);
@@ -166,8 +166,8 @@ TEST_F(Registro, TextoFnEscribePuntoDecimalYCuatroDecimales) {
                  {u"3,5"_s, "Fn(\"3.5\")"}, {-0.00004, "Fn(\"0\")"}, {0.00025, "Fn(\"0.0002\")"}};
     ConLocal local("es_ES");
     for (const auto& c : casos)
-        EXPECT_EQ(AccesoInterno::TextoFn(imp, c.valor), QString::fromLatin1(c.texto)) << c.texto;
-    EXPECT_EQ(NumeroDeError([&] { AccesoInterno::TextoFn(imp, u"x"_s); }), 13);
+        EXPECT_EQ(TextoFn(c.valor), QString::fromLatin1(c.texto)) << c.texto;
+    EXPECT_EQ(NumeroDeError([&] { TextoFn(u"x"_s); }), 13);
 }
 
 TEST_F(Registro, UnProcesoMuertoConservaCadaRenglonConfirmado) {
