@@ -110,8 +110,8 @@ TEST(Superficies, LoDibujadoCaeEnSusPixeles) {
         const char* que;
         std::vector<Paso> pasos;
         std::vector<Pixel> pixeles;
-        std::optional<QPointF> posicion;
-        std::optional<QRect> todaLaTinta;
+        std::optional<QPointF> posicion = {};
+        std::optional<QRect> todaLaTinta = {};
     } casos[] = {
         {"lineas de un pixel, hasta sus extremos",
          {{u"Line"_s, {4, 1.0, 2.0, 3.0, 2.0}}, {u"Line"_s, {4, 5.0, 1.0, 5.0, 3.0}}},
