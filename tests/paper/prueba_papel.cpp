@@ -9,7 +9,7 @@
 #include "comun/impresora_con_grabadores.h"
 #include "comun/lectura_de_reporte.h"
 #include "comun/utilerias_de_prueba.h"
-#include "cups/herramientas_pdf.h"
+#include "comun/herramientas_pdf.h"
 #include "paper/cola_de_impresion.h"
 #include "target/impresora_sistema.h"
 

@@ -1,2 +1,0 @@
-# Tests of replay.
-target_sources(pruebas PRIVATE ${CMAKE_CURRENT_LIST_DIR}/prueba_reproduccion.cpp)

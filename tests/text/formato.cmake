@@ -1,1 +1,0 @@
-target_sources(pruebas PRIVATE ${CMAKE_CURRENT_LIST_DIR}/prueba_formato.cpp)
