@@ -4,8 +4,8 @@
 //
 // Run as its own program, because the print client library reads
 // CUPS_SERVER once: "--sin-servidor" points it at a port where nothing
-// listens and runs only the SinServidor tests; without it a private server
-// with two queues is started for the Cups tests.
+// listens and runs only the SinServidor tests; without it the private server
+// is started for the other tests.
 
 #include <algorithm>
 
@@ -21,6 +21,7 @@
 #include "comun/herramientas_pdf.h"
 #include "comun/lectura_de_barras.h"
 #include "comun/utilerias_de_prueba.h"
+#include "cups/servidor_privado.h"
 #include "kaloimpresora/impresora.h"
 #include "kaloimpresora/impresoras.h"
 #include "target/impresora_sistema.h"
@@ -30,58 +31,6 @@ using namespace Qt::StringLiterals;
 using namespace kalo::prueba;
 
 namespace {
-
-bool sinServidor = false;
-
-class ServidorPrivado : public ::testing::Environment {
-public:
-    static inline QString carpeta;
-
-    void SetUp() override {
-        qunsetenv("PRINTER");
-        qunsetenv("LPDEST");
-        ASSERT_TRUE(dir_.isValid());
-        carpeta = dir_.path();
-        if (sinServidor) {
-            qputenv("CUPS_SERVER", "127.0.0.1:1");  // nothing listens there
-            qputenv("KALO_CARPETA_DE_IMPRESOS", QFile::encodeName(dir_.filePath(u"impresos"_s)));
-            return;
-        }
-        bool ok = false;
-        const QString servidor = Script({u"inicia"_s, carpeta, QString::number(QCoreApplication::applicationPid())},
-                                        &ok)
-                                     .trimmed();
-        ASSERT_TRUE(ok && !servidor.isEmpty()) << "no arrancó el servidor de impresión privado";
-        iniciado_ = true;
-        Script({u"cola"_s, carpeta, u"Kalo"_s, u"predeterminada"_s, QStringLiteral(KALO_PPD_DE_PRUEBA)}, &ok);
-        ASSERT_TRUE(ok);
-        Script({u"cola"_s, carpeta, u"Otra"_s}, &ok);
-        ASSERT_TRUE(ok);
-        qputenv("CUPS_SERVER", servidor.toLocal8Bit());
-    }
-
-    void TearDown() override {
-        EstableceImpresoraActual(nullptr);
-        if (iniciado_) Script({u"detiene"_s, carpeta});
-    }
-
-private:
-    static QString Script(QStringList argumentos, bool* ok = nullptr) {
-        argumentos.prepend(QStringLiteral(KALO_SCRIPT_CUPS));
-        return Ejecuta(u"bash"_s, argumentos, ok);
-    }
-
-    QTemporaryDir dir_;
-    bool iniciado_ = false;
-};
-
-// The file the queue's backend wrote for a job, once it is whole.
-QString EsperaTrabajo(int32_t trabajo, const QString& extension = u"pdf"_s) {
-    const QString ruta =
-        QDir(ServidorPrivado::carpeta).filePath(u"trabajos/trabajo-%1.%2"_s.arg(trabajo).arg(extension));
-    for (int i = 0; i < 1500 && !QFile::exists(ruta); ++i) QThread::msleep(20);
-    return QFile::exists(ruta) ? ruta : QString();
-}
 
 class Cups : public ::testing::Test {
 protected:
@@ -96,15 +45,16 @@ protected:
     std::shared_ptr<ImpresoraDelSistema> impresora;
 };
 
-// Every destination, made once per index; the default one is the current
-// printer. "Otra" is a raw queue: a document of only new pages still has them.
+// Every destination, made once per index, in the print server's order; the
+// default one is the current printer. "Otra" is a raw queue: a document of
+// only new pages still has them.
 TEST_F(Cups, LaColeccionListaCadaDestino) {
     EXPECT_EQ(impresora->DeviceName(), u"Kalo"_s);
     EXPECT_EQ(ImpresoraActual(), impresora);
     auto impresoras = ColeccionDeImpresoras();
-    ASSERT_EQ(CLng(impresoras->Lee(u"Count"_s)), 2);
+    ASSERT_EQ(CLng(impresoras->Lee(u"Count"_s)), 3);
     QStringList nombres;
-    for (int32_t i = 0; i < 2; ++i) {
+    for (int32_t i = 0; i < 3; ++i) {
         auto otra = std::dynamic_pointer_cast<ImpresoraDelSistema>(impresoras->Llama(u"Item"_s, {i}).objeto());
         ASSERT_TRUE(otra);
         nombres << otra->DeviceName();
@@ -119,9 +69,8 @@ TEST_F(Cups, LaColeccionListaCadaDestino) {
         ASSERT_FALSE(pdf.isEmpty());
         EXPECT_EQ(LeePdf(pdf).paginas, 3);
     }
-    nombres.sort();
-    EXPECT_EQ(nombres, (QStringList{u"Kalo"_s, u"Otra"_s}));
-    for (int32_t fuera : {-1, 2})
+    EXPECT_EQ(nombres, (QStringList{u"Kalo"_s, u"Otra"_s, u"PDF"_s}));
+    for (int32_t fuera : {-1, 3})
         EXPECT_EQ(NumeroDeError([&] { impresoras->Llama(u"Item"_s, {fuera}); }), err::kSubindiceFueraDeIntervalo);
     EXPECT_EQ(NumeroDeError([&] { impresoras->Asigna(u"Count"_s, 3); }), err::kNoAdmitePropiedadOMetodo);
 }
