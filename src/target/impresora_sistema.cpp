@@ -38,7 +38,7 @@ QString ArchivoTemporal(const QString& plantilla) {
 }
 
 // The destination behind a device name "cola" or "cola/instancia", with the
-// options saved for it; empty when the print server does not answer.
+// options saved for it; none when the print server does not know it.
 using Destino = std::unique_ptr<cups_dest_t, void (*)(cups_dest_t*)>;
 Destino DestinoDe(const QString& nombre) {
     const QByteArray completo = nombre.toLocal8Bit();
@@ -200,8 +200,7 @@ void ImpresoraDelSistema::CierraTrabajo(bool entrega, int32_t) {
 // What the print system's own client does with a file: the destination's
 // saved options, then this job's copies and sheet.
 void ImpresoraDelSistema::Entrega(const QString& archivo) {
-    const QByteArray completo = DeviceName().toLocal8Bit();
-    const QByteArray cola = completo.left(completo.indexOf('/') < 0 ? completo.size() : completo.indexOf('/'));
+    const QByteArray cola = DeviceName().section(u'/', 0, 0).toLocal8Bit();
 
     cups_option_t* opciones = nullptr;
     int n = 0;

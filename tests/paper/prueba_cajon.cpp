@@ -2,13 +2,15 @@
 // member as a host calls it and through «kaloimpresora cajon». Raw jobs on
 // a print-server queue are in tests/cups.
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <QProcess>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <future>
 #include <gtest/gtest.h>
-#include <thread>
 
 #include "comun/utilerias_de_prueba.h"
 #include "kaloimpresora/impresora.h"
@@ -52,7 +54,7 @@ TEST_F(Cajon, CadaValorSaleComoLoEscribePrintEnElArchivoQueTrunca) {
     };
     for (const auto& [codigo, bytes] : casos) {
         imp.Llama(u"AbrirCajonDeDinero"_s, {ruta, codigo});
-        EXPECT_EQ(Lee(ruta), bytes) << CStr(codigo).toStdString();
+        EXPECT_EQ(Lee(ruta), bytes) << bytes.toHex().toStdString();
     }
     // A code that is no text still opens, and so truncates, the file.
     imp.Llama(u"AbrirCajonDeDinero"_s, {ruta, Variant::Nada()});
@@ -62,23 +64,14 @@ TEST_F(Cajon, CadaValorSaleComoLoEscribePrintEnElArchivoQueTrunca) {
 
 TEST_F(Cajon, LosPuertosDeSiempreLlevanASusDispositivos) {
     const auto existe = [](const QString& r) { return r == u"/dev/usb/lp0"_s || r == u"/dev/usb/lp1"_s; };
-    struct Caso {
-        QString puerto, cola, ruta;
-        bool creable;
-    } casos[] = {
-        {u"LPT1"_s, {}, u"/dev/usb/lp0"_s, false},  {u"lpt2:"_s, {}, u"/dev/usb/lp1"_s, false},
-        {u"LPT3"_s, {}, u"/dev/lp2"_s, false},      {u"PRN"_s, {}, u"/dev/usb/lp0"_s, false},
-        {u"COM1"_s, {}, u"/dev/ttyS0"_s, false},    {u"com10:"_s, {}, u"/dev/ttyS9"_s, false},
-        {u"\\\\caja\\Tickets"_s, u"Tickets"_s, {}, false},
-        {u"Tickets"_s, u"Tickets"_s, u"Tickets"_s, true},
-        {u"/dev/ttyUSB0"_s, {}, u"/dev/ttyUSB0"_s, false},
-        {u"salida/cajon.txt"_s, {}, u"salida/cajon.txt"_s, true},
-    };
-    for (const Caso& c : casos) {
-        const cajon::Destino d = cajon::ResuelvePuerto(c.puerto, existe);
-        EXPECT_EQ(QStringList({d.cola, d.ruta, d.creable ? u"creable"_s : QString()}),
-                  QStringList({c.cola, c.ruta, c.creable ? u"creable"_s : QString()}))
-            << c.puerto.toStdString();
+    // Port; queue, path, and "+" when a plain file may be created there.
+    for (const auto& [puerto, destino] : std::initializer_list<std::pair<QString, QString>>{
+             {u"LPT1"_s, u"|/dev/usb/lp0"_s}, {u"lpt2:"_s, u"|/dev/usb/lp1"_s}, {u"LPT3"_s, u"|/dev/lp2"_s},
+             {u"PRN"_s, u"|/dev/usb/lp0"_s}, {u"COM1"_s, u"|/dev/ttyS0"_s}, {u"com10:"_s, u"|/dev/ttyS9"_s},
+             {u"\\\\caja\\Tickets"_s, u"Tickets|"_s}, {u"Tickets"_s, u"Tickets|Tickets+"_s},
+             {u"/dev/ttyUSB0"_s, u"|/dev/ttyUSB0"_s}, {u"salida/cajon.txt"_s, u"|salida/cajon.txt+"_s}}) {
+        const cajon::Destino d = cajon::ResuelvePuerto(puerto, existe);
+        EXPECT_EQ(d.cola + u'|' + d.ruta + (d.creable ? u"+"_s : QString()), destino) << puerto.toStdString();
     }
 }
 
@@ -98,6 +91,11 @@ TEST_F(Cajon, UnFifoConLectorRecibeCadaLlamadaYSinLectorNoDetieneANadie) {
         }
         return leido;
     });
+    const auto suelta = qScopeGuard([&] {
+        // Should a check fail, a reader still waiting gets writers until it ends.
+        while (lector.valid() && lector.wait_for(std::chrono::milliseconds(20)) != std::future_status::ready)
+            if (const int fd = ::open(QFile::encodeName(fifo).constData(), O_WRONLY | O_NONBLOCK); fd >= 0) ::close(fd);
+    });
     imp.Llama(u"AbrirCajonDeDinero"_s, {fifo, u"uno"_s});
     // Whatever a writer leaves in a FIFO is lost when its reader closes it.
     ASSERT_EQ(primera.get_future().wait_for(std::chrono::seconds(10)), std::future_status::ready);
@@ -111,7 +109,6 @@ TEST_F(Cajon, UnFifoConLectorRecibeCadaLlamadaYSinLectorNoDetieneANadie) {
 
     for (const QString& falta : {u"/dev/kalo-no-existe"_s, dir.filePath(u"no/hay/carpeta"_s)}) {
         EXPECT_EQ(cajon::Envia(falta, "x").resultado, cajon::Resultado::NoExiste);
-        EXPECT_EQ(prueba::NumeroDeError([&] { imp.Llama(u"AbrirCajonDeDinero"_s, {falta, kPatada}); }), 0);
         EXPECT_FALSE(QFile::exists(falta));
     }
 }
@@ -125,8 +122,6 @@ TEST_F(Cajon, LaOrdenDiceEnEspanolPorQueNoSeAbrio) {
     } casos[] = {
         {{archivo}, 0, u"Enviados 7 bytes a «%1»"_s.arg(archivo)},
         {{archivo, u"--codigo"_s, u"\\e@\\x80ñ"_s}, 0, u"Enviados 6 bytes"_s},
-        {{}, 1, u"Uso: kaloimpresora cajon PUERTO"_s},
-        {{archivo, u"--codigo"_s, u"\\x8"_s}, 1, u"Código no válido"_s},
         {{u"COM77"_s}, 10, u"No existe «/dev/ttyS76» (COM77)"_s},
         {{fifo}, 13, u"no recibió los bytes en 2 segundos"_s},
     };

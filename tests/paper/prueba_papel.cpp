@@ -153,22 +153,6 @@ TEST_F(Papel, UnaImpresoraQueFallaDejaElTamanoPedidoSinAvisar) {
     }
 }
 
-// A driver finds the form by the first 32 characters of its name; a name
-// the print server could not hold is no form at all.
-TEST_F(Papel, SoloSeEligeUnaFormaDeNombreValidoYHasta32Caracteres) {
-    const QString justo = u"Mostrador_de_entrada"_s + u'X';  // 11 + 21 = 32 characters
-    for (const auto& [estilo, elegida] : {std::pair(u"Caja"_s, true), std::pair(justo, true),
-                                          std::pair(justo + u'X', false), std::pair(u"Mi caja"_s, false)}) {
-        SCOPED_TRACE(estilo.toStdString());
-        impresora->llamados.clear();
-        QString dado = estilo;
-        imp.EstiloImpresion(dado);
-        imp.EstableceEstiloImpresoraNT();
-        // The letter sheet, read in twips, back as it was.
-        EXPECT_EQ(Asignados(u"Width"_s), elegida ? std::vector<Variant>{Variant(12240)} : std::vector<Variant>{});
-    }
-}
-
 TEST_F(Papel, UnDesbordeDeLaFormaSoloLlegaDesdeEstableceEstiloImpresoraNT) {
     // 100000 inches are 2.54e9 thousandths of a millimetre: beyond 32 bits.
     impresora->Pon(u"ScaleMode"_s, int16_t{5});
