@@ -101,8 +101,10 @@ struct Conexion {
 int Rinde(http_t*, void*) { return 0; }
 
 bool Conecta(Conexion& c, Reloj::time_point limite) {
-    c.http = httpConnect2(cupsServer(), ippPort(), nullptr, AF_UNSPEC, cupsEncryption(), 1, Restante(limite), nullptr);
-    if (c.http) httpSetTimeout(c.http, std::max(Restante(limite), 1) / 1000.0, Rinde, nullptr);
+    // A timeout of 0 would mean "do not connect" here.
+    const int ms = std::max(Restante(limite), 1);
+    c.http = httpConnect2(cupsServer(), ippPort(), nullptr, AF_UNSPEC, cupsEncryption(), 1, ms, nullptr);
+    if (c.http) httpSetTimeout(c.http, ms / 1000.0, Rinde, nullptr);
     return c.http != nullptr;
 }
 
