@@ -264,7 +264,11 @@ protected:
         BorraFormas();
         EstableceImpresoraActual(nullptr);
     }
-    static void BorraFormas() { QFile::remove(QDir(ServidorPrivado::carpeta).filePath(u"HOME/.cups/lpoptions"_s)); }
+    // Wherever this libcups keeps them: the home, or for root maybe the client's folder.
+    static void BorraFormas() {
+        for (const QString& f : {u"HOME/.cups/lpoptions"_s, u"CUPS_SERVERROOT/lpoptions"_s})
+            QFile::remove(QDir(ServidorPrivado::carpeta).filePath(f));
+    }
 
     // One page through Impresora: the job's number, once the queue has it.
     int32_t Imprime() {
