@@ -138,6 +138,15 @@ public:
     // Always Nothing.
     std::shared_ptr<Objeto> CreaForma();
 
+    // Makes the print server's destination of that exact device name (the
+    // argument without surrounding spaces; case counts) the current printer,
+    // and applies the form of EstiloImpresion to the current printer, chosen
+    // or not. Only the recording can fail.
+    void EstableceImpresora(const Variant& strimpresora);
+    // Writes cCode, then CR LF, to the port (a device or file path, LPT1,
+    // COM1..., a print-server queue). Records nothing and never fails.
+    void AbrirCajonDeDinero(const Variant& cPuerto, const Variant& cCode);
+
     // Text helpers.
     // strChr as text nVeces times (rounded, halves to even); Null adds nothing.
     QString Replicate(const Variant& strChr, const Variant& nVeces);

@@ -129,7 +129,8 @@ std::vector<M> Miembros() {
            [](Impresora& o, Ranuras a) { return Variant(o.PadR(a[0], a[1])); });
     metodo(u"PadL", 0x6003001b, T::Texto, {PorRef(u"str"_s), PorRef(u"nVeces"_s)},
            [](Impresora& o, Ranuras a) { return Variant(o.PadL(a[0], a[1])); });
-    metodo(u"EstableceImpresora", 0x6003001c, T::Ninguno, {PorRef(u"strimpresora"_s)});
+    metodo(u"EstableceImpresora", 0x6003001c, T::Ninguno, {PorRef(u"strimpresora"_s)},
+           [](Impresora& o, Ranuras a) { o.EstableceImpresora(a[0]); return Variant(); });
     metodo(u"FontBold", 0x6003001d, T::Ninguno, {PorRef(u"Bold"_s)},
            [](Impresora& o, Ranuras a) { o.FontBold(a[0]); return Variant(); });
     metodo(u"FontITalic", 0x6003001e, T::Ninguno, {PorRef(u"Italic"_s)},
@@ -207,7 +208,8 @@ std::vector<M> Miembros() {
             PorRef(u"Ambiente"_s, T::Objeto), padre()});
     metodo(u"Rangos", 0x6003003c, T::Ninguno,
            {PorRef(u"Ambiente"_s, T::Objeto), PorRef(u"UsarListView"_s, T::Booleano)});
-    metodo(u"AbrirCajonDeDinero", 0x6003003d, T::Ninguno, {PorRef(u"cPuerto"_s), PorRef(u"cCode"_s)});
+    metodo(u"AbrirCajonDeDinero", 0x6003003d, T::Ninguno, {PorRef(u"cPuerto"_s), PorRef(u"cCode"_s)},
+           [](Impresora& o, Ranuras a) { o.AbrirCajonDeDinero(a[0], a[1]); return Variant(); });
     metodo(u"Codigo39", 0x6003003e, T::Ninguno,
            {PorRef(u"x"_s), PorRef(u"y"_s), PorRef(u"xNarrow"_s), PorRef(u"yHeight"_s),
             PorRef(u"strMensaje"_s), Opcional(PorRef(u"bolBox"_s), Variant(false)),

@@ -7,6 +7,7 @@
 #include "kaloimpresora/impresoras.h"
 #include "paper/impresion_nt.h"
 #include "paper/plataforma.h"
+#include "paper/seleccion.h"
 
 namespace kalo {
 
@@ -94,5 +95,21 @@ void Impresora::EstableceEstiloImpresoraNT() {
 }
 
 std::shared_ptr<Objeto> Impresora::CreaForma() { return nullptr; }
+
+void Impresora::EstableceImpresora(const Variant& strimpresora) {
+    if (Paginas == 0) Paginas = 1;
+    // Spaces only, as the runtime's Trim does.
+    const auto sinEspacios = [](QString t) {
+        qsizetype i = 0, f = t.size();
+        while (i < f && t[i] == u' ') ++i;
+        while (f > i && t[f - 1] == u' ') --f;
+        return t.mid(i, f - i);
+    };
+    const QString nombre = strimpresora.esNulo() ? QString() : sinEspacios(CStr(strimpresora));
+    RegistraComando(*this, u"EstableceImpresora \""_s + nombre + u'"');
+    if (strimpresora.esNulo()) return;
+    Ignora([&] { SeleccionaImpresora(nombre); });
+    if (ObtenPlataforma() == kPlataformaConFormas) Ignora([&] { EstableceEstiloImpresoraNT(); });
+}
 
 }  // namespace kalo

@@ -1,13 +1,17 @@
 #include "paper/impresion_nt.h"
 
+#include <QPageSize>
+#include <QPrinterInfo>
+#include <algorithm>
+#include <optional>
+
 #include "kaloimpresora/impresora.h"
-#include "runtime/unidades.h"
-#include "runtime/ignora.h"
-
-#include <QtEndian>
-
 #include "kaloimpresora/impresoras.h"
 #include "paper/plataforma.h"
+#include "runtime/aplicacion.h"
+#include "runtime/ignora.h"
+#include "runtime/unidades.h"
+#include "target/impresora_sistema.h"
 
 namespace kalo::impresion_nt {
 
@@ -27,22 +31,41 @@ int32_t AMilesimas(Objeto& impresora, const QString& conversion, int32_t valor) 
     return CLng(Variant(milesimas));
 }
 
-cola::Forma FormaDeUsuario(const QString& nombre, int32_t cx, int32_t cy) {
-    cola::Forma f;
-    f.nombre = nombre;
-    f.cx = cx;
-    f.cy = cy;
-    f.derecha = cx;
-    f.abajo = cy;
-    return f;
+constexpr qsizetype kLargoDeNombreDeForma = 32;
+constexpr double kMilesimasPorPulgada = 25400;
+// The largest page a PDF page can be: the limit for a device that states none.
+constexpr int32_t kHojaMayorPredeterminada = 200 * 25400;
+
+// Whether the device takes a sheet that size, by the largest sheet the print
+// system describes for the queue (none: a PDF page's limit).
+bool CabeEnElDispositivo(const QString& cola, QSize forma) {
+    QSizeF mayor(kHojaMayorPredeterminada, kHojaMayorPredeterminada);
+    AseguraAplicacion();
+    const QPrinterInfo info = cola.isEmpty() ? QPrinterInfo() : QPrinterInfo::printerInfo(cola);
+    if (!info.isNull() && !info.supportedPageSizes().isEmpty()) {
+        mayor = {};
+        QList<QPageSize> hojas = info.supportedPageSizes();
+        if (info.supportsCustomPageSizes()) hojas << info.maximumPhysicalPageSize();
+        for (const QPageSize& h : hojas) mayor = mayor.expandedTo(h.size(QPageSize::Millimeter) * 1000);
+    }
+    return forma.width() <= mayor.width() && forma.height() <= mayor.height();
 }
 
-// dmFormName: the name, a NUL and spaces; a name that fills the field is cut
-// and carries no NUL.
-QByteArray CampoDeNombre(const QString& nombre) {
-    QByteArray campo = nombre.left(cola::kLargoDeNombreDeForma).toLatin1();
-    if (campo.size() < cola::kLargoDeNombreDeForma) campo += '\0';
-    return campo + QByteArray(cola::kLargoDeNombreDeForma - campo.size(), ' ');
+// The component's PDF and image printers: no print server behind them.
+bool EsPropia(Objeto& impresora) {
+    if (const auto* sistema = dynamic_cast<ImpresoraDelSistema*>(&impresora)) return sistema->EsPdf();
+    return dynamic_cast<ImpresoraComun*>(&impresora) != nullptr;
+}
+
+// The form is a portrait sheet; the printer's Width and Height follow its
+// orientation.
+void PonHoja(Objeto& impresora, QSize forma) {
+    const auto twips = [](int32_t milesimas) {
+        return Variant(static_cast<int32_t>(RedondeaPar(milesimas * kTwipsPorPulgada / kMilesimasPorPulgada)));
+    };
+    const bool apaisada = impresora.Lee(u"Orientation"_s) == Variant(int16_t{2});
+    impresora.Asigna(u"Width"_s, twips(apaisada ? forma.height() : forma.width()));
+    impresora.Asigna(u"Height"_s, twips(apaisada ? forma.width() : forma.height()));
 }
 
 }  // namespace
@@ -84,49 +107,38 @@ void AplicaFormaALaHoja(int32_t propietario, const QString& estilo) {
     AplicaFormaNT(propietario, alto, ancho, estilo);
 }
 
-int16_t SeleccionaForma(const QString& nombre, int32_t propietario, int32_t alto, int32_t ancho) {
+int16_t SeleccionaForma(const QString& nombre, int32_t /*propietario*/, int32_t alto, int32_t ancho) {
     const auto impresora = ImpresoraActual();
     const QString dispositivo = CStr(impresora->Lee(u"DeviceName"_s));
-    const int32_t hdc = CLng(impresora->Lee(u"hDC"_s));
-    const cola::Manejador manejador = cola::AbreImpresora(dispositivo);
-    if (manejador == 0) return 0;
-
-    const int32_t tamano =
-        cola::PropiedadesDelDocumento(propietario, manejador, dispositivo, nullptr, nullptr, cola::kSoloTamano);
-    if (tamano <= 0) Lanza(err::kSubindiceFueraDeIntervalo);
-    QByteArray ajustes(tamano, '\0');
-    cola::PropiedadesDelDocumento(propietario, manejador, dispositivo, &ajustes, nullptr, cola::kBufferDeSalida);
-    // Only the public part is ours to change; the driver's tail goes back as it came.
-    QByteArray publica = ajustes.left(cola::kTamanoPublico);
-    publica.resize(cola::kTamanoPublico, '\0');
+    if (dispositivo.isEmpty()) return 0;
+    std::optional<formas::Destinos> destinos;
+    if (!EsPropia(*impresora)) destinos.emplace();
+    const QString cola = formas::ColaDe(dispositivo);
 
     const int32_t cx = AMilesimas(*impresora, u"ScaleX"_s, ancho);
     const int32_t cy = AMilesimas(*impresora, u"ScaleY"_s, alto);
-    AgregaForma(manejador, cx, cy, nombre);
-    // Redefined every time, even right after being added: an existing form
-    // keeps whatever size it had otherwise.
-    if (!cola::RedefineForma(manejador, nombre, FormaDeUsuario(nombre, cx, cy))) {
-        cola::CierraImpresora(manejador);
-        return 0;
+    const QString elegida = nombre.left(kLargoDeNombreDeForma);
+    std::optional<QSize> forma;
+    const bool enServidor = destinos && destinos->HayCola(cola);
+    if (enServidor) {
+        AgregaForma(*destinos, cola, cx, cy, nombre);
+        // Redefined every time, even right after being added: an existing
+        // form keeps whatever size it had otherwise.
+        if (!destinos->Redefine(cola, nombre, cx, cy)) return 0;
+        forma = destinos->Tamano(cola, elegida);
+    } else {
+        // Not a print-server destination: the sheet is taken directly.
+        if (!formas::NombreValido(nombre)) return 0;
+        if (elegida == nombre) forma = QSize(cx, cy);
     }
-
-    publica.replace(cola::kPosicionDeNombreDeForma, cola::kLargoDeNombreDeForma, CampoDeNombre(nombre));
-    qToLittleEndian(cola::kCampoNombreDeForma, publica.data() + cola::kPosicionDeCampos);
-    ajustes.replace(0, cola::kTamanoPublico, publica);
-    cola::PropiedadesDelDocumento(propietario, manejador, dispositivo, &ajustes, &ajustes,
-                                  cola::kBufferDeEntrada | cola::kBufferDeSalida);
-    cola::ReiniciaContexto(hdc, ajustes);
-    cola::CierraImpresora(manejador);
+    // As a driver does, a sheet larger than the device takes leaves the one it has.
+    if (forma && CabeEnElDispositivo(enServidor ? cola : QString(), *forma)) PonHoja(*impresora, *forma);
     return 2;
 }
 
-QString AgregaForma(cola::Manejador impresora, int32_t cx, int32_t cy, const QString& nombre) {
-    if (!cola::AgregaForma(impresora, FormaDeUsuario(nombre, cx, cy))) {
-        // Usually "already exists"; the redefinition that follows settles it.
-        (void)cola::UltimoError();
-        return {};
-    }
-    return nombre;
+QString AgregaForma(formas::Destinos& destinos, const QString& cola, int32_t cx, int32_t cy, const QString& nombre) {
+    // Usually "already exists"; the redefinition that follows settles it.
+    return destinos.Agrega(cola, nombre, cx, cy) ? nombre : QString();
 }
 
 }  // namespace kalo::impresion_nt

@@ -3,15 +3,14 @@
 // The paper routines behind Impresora's PaperSize, Portrait, LandScape,
 // RestauraPapel and EstableceEstiloImpresoraNT: the current printer's sheet
 // and orientation, and the named user form ("Tiendanova_" plus a style) that
-// is defined on the printer and selected in its driver settings, so that a
-// driver that ignores a custom size still prints on the intended sheet.
-// Sizes handed to the form routines are read in the printer's current
-// ScaleMode.
+// is defined for the printer on the print server and then selected, so that
+// the printer's later jobs come out on that sheet. Sizes handed to the form
+// routines are read in the printer's current ScaleMode.
 
 #include <QString>
 #include <cstdint>
 
-#include "paper/cola_de_impresion.h"
+#include "paper/formas.h"
 
 namespace kalo::impresion_nt {
 
@@ -25,18 +24,22 @@ void AjustaPapel(int16_t codigo, int32_t propietario, double ancho, double alto,
 // Errors ignored.
 void EstableceOrientacion(int16_t orientacion);
 
-// Note the order: height before width. Errors reach the caller.
+// Note the order: height before width. Errors reach the caller. The owner
+// window is what the host gave; no dialog of the print system is shown.
 void AplicaFormaNT(int32_t propietario, int32_t alto, int32_t ancho, const QString& estilo);
 // The same with the current printer's sheet as it is now, in whole twips.
 void AplicaFormaALaHoja(int32_t propietario, const QString& estilo);
 
-// Defines (or redefines) the form and puts it in the printer's driver
-// settings and device context: 2 when done, 0 when the printer cannot be
-// opened or the form not defined. An error after the printer was opened
-// leaves it open and reaches the caller.
+// Defines (or redefines) the form for the current printer's queue and puts
+// the printer on its sheet: 2 when done, 0 when the printer has no name or
+// the form could not be defined. The sheet follows the form named by the
+// first 32 characters of the name only (the width of a driver's form name),
+// and only when the device takes a sheet that size. A printer that is not
+// a print-server destination (PDF files, images) defines nothing and takes
+// the sheet directly. A failing printer member raises.
 int16_t SeleccionaForma(const QString& nombre, int32_t propietario, int32_t alto, int32_t ancho);
 
-// The form's name, or empty text when the print system refused it.
-QString AgregaForma(cola::Manejador impresora, int32_t cx, int32_t cy, const QString& nombre);
+// The form's name, or empty text when the print server refused it.
+QString AgregaForma(formas::Destinos& destinos, const QString& cola, int32_t cx, int32_t cy, const QString& nombre);
 
 }  // namespace kalo::impresion_nt

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QPrinter>
 #include <QPrinterInfo>
+#include <QRegularExpression>
 #include <QTemporaryFile>
 #include <utility>
 
@@ -36,7 +37,44 @@ QString ArchivoTemporal(const QString& plantilla) {
     return temporal.fileName();
 }
 
+// The destination behind a device name "cola" or "cola/instancia", with the
+// options saved for it; none when the print server does not know it.
+using Destino = std::unique_ptr<cups_dest_t, void (*)(cups_dest_t*)>;
+Destino DestinoDe(const QString& nombre) {
+    const QByteArray completo = nombre.toLocal8Bit();
+    const qsizetype barra = completo.indexOf('/');
+    const QByteArray cola = barra < 0 ? completo : completo.left(barra);
+    const QByteArray instancia = barra < 0 ? QByteArray() : completo.mid(barra + 1);
+    return Destino(cupsGetNamedDest(CUPS_HTTP_DEFAULT, cola.constData(),
+                                    instancia.isEmpty() ? nullptr : instancia.constData()),
+                   [](cups_dest_t* d) { cupsFreeDests(1, d); });
+}
+
+QByteArray Decimal(double v) {
+    QByteArray t = QByteArray::number(v, 'f', 3);
+    while (t.endsWith('0')) t.chop(1);
+    if (t.endsWith('.')) t.chop(1);
+    return t;
+}
+
 }  // namespace
+
+QByteArray MedioPersonalizado(QSizeF milimetros) {
+    return "Custom." + Decimal(milimetros.width()) + 'x' + Decimal(milimetros.height()) + "mm";
+}
+
+std::optional<QSizeF> MilimetrosDeMedio(const QByteArray& medio) {
+    static const QRegularExpression kPersonalizado(uR"(^Custom\.(\d+(?:\.\d*)?)x(\d+(?:\.\d*)?)(mm|cm|in|ft|m)?$)"_s);
+    const auto m = kPersonalizado.match(QString::fromLatin1(medio));
+    if (!m.hasMatch()) return std::nullopt;
+    const QString unidad = m.captured(3);
+    // Without a unit the numbers are points.
+    const double factor = unidad == u"mm"_s ? 1 : unidad == u"cm"_s ? 10 : unidad == u"in"_s ? 25.4
+                        : unidad == u"ft"_s ? 304.8 : unidad == u"m"_s ? 1000 : 25.4 / 72;
+    const QSizeF mm(m.captured(1).toDouble() * factor, m.captured(2).toDouble() * factor);
+    if (mm.isEmpty()) return std::nullopt;
+    return mm;
+}
 
 // ---- Construction ------------------------------------------------------------
 
@@ -52,6 +90,11 @@ ImpresoraDelSistema::ImpresoraDelSistema(QString nombre, const QPrinterInfo* des
         // runtime's printer starts on the destination's own default.
         const QPageSize propia = destino->defaultPageSize();
         if (propia.isValid()) impresora_->setPageSize(propia);
+        // A custom sheet saved for the destination (a form's instance) is its default too.
+        if (const Destino d = DestinoDe(destino->printerName())) {
+            if (const auto mm = MilimetrosDeMedio(cupsGetOption("media", d->num_options, d->options)))
+                impresora_->setPageSize(QPageSize(*mm, QPageSize::Millimeter));
+        }
     } else {
         // A file has no unprintable border and no driver to ask for a sheet.
         impresora_->setOutputFormat(QPrinter::PdfFormat);
@@ -157,25 +200,18 @@ void ImpresoraDelSistema::CierraTrabajo(bool entrega, int32_t) {
 // What the print system's own client does with a file: the destination's
 // saved options, then this job's copies and sheet.
 void ImpresoraDelSistema::Entrega(const QString& archivo) {
-    const QByteArray completo = DeviceName().toLocal8Bit();
-    const qsizetype barra = completo.indexOf('/');
-    const QByteArray cola = barra < 0 ? completo : completo.left(barra);
-    const QByteArray instancia = barra < 0 ? QByteArray() : completo.mid(barra + 1);
+    const QByteArray cola = DeviceName().section(u'/', 0, 0).toLocal8Bit();
 
     cups_option_t* opciones = nullptr;
     int n = 0;
-    if (cups_dest_t* d = cupsGetNamedDest(CUPS_HTTP_DEFAULT, cola.constData(),
-                                          instancia.isEmpty() ? nullptr : instancia.constData())) {
+    if (const Destino d = DestinoDe(DeviceName())) {
         for (int i = 0; i < d->num_options; ++i)
             n = cupsAddOption(d->options[i].name, d->options[i].value, n, &opciones);
-        cupsFreeDests(1, d);
     }
     n = cupsAddOption("copies", QByteArray::number(Copies()).constData(), n, &opciones);
     const QPageSize hoja = impresora_->pageLayout().pageSize();
-    const QByteArray medio = hoja.id() == QPageSize::Custom
-                                 ? "Custom." + QByteArray::number(hoja.size(QPageSize::Point).width()) + "x" +
-                                       QByteArray::number(hoja.size(QPageSize::Point).height())
-                                 : hoja.key().toLatin1();
+    const QByteArray medio = hoja.id() == QPageSize::Custom ? MedioPersonalizado(hoja.size(QPageSize::Millimeter))
+                                                            : hoja.key().toLatin1();
     n = cupsAddOption("media", medio.constData(), n, &opciones);
 
     const QByteArray ruta = QFile::encodeName(archivo);

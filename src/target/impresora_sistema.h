@@ -11,6 +11,7 @@
 #include <QPageSize>
 #include <QString>
 #include <memory>
+#include <optional>
 
 #include "kaloimpresora/impresoras.h"
 #include "target/impresora_comun.h"
@@ -19,6 +20,11 @@ class QPrinter;
 class QPrinterInfo;
 
 namespace kalo {
+
+// The print server's spelling of a custom sheet, "Custom.101.6x152.4mm", and
+// back; std::nullopt for a media name that is not a custom size.
+QByteArray MedioPersonalizado(QSizeF milimetros);
+std::optional<QSizeF> MilimetrosDeMedio(const QByteArray& medio);
 
 class ImpresoraDelSistema : public ImpresoraComun {
 public:

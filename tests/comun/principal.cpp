@@ -34,6 +34,9 @@ class Restablece : public ::testing::EmptyTestEventListener {
 }  // namespace
 
 int main(int argc, char** argv) {
+    // Never the machine's print server: forms would be saved on its printers.
+    // The tests that print start their own (tests/cups).
+    qputenv("CUPS_SERVER", "127.0.0.1:1");
     ::testing::InitGoogleTest(&argc, argv);
     ::testing::UnitTest::GetInstance()->listeners().Append(new Restablece);
     return RUN_ALL_TESTS();

@@ -1,11 +1,17 @@
 // The printer object against a private print server (servidor_cups.sh): the
 // destinations it lists, jobs that reach a queue with their pages, sheet and
-// copies, and the PDF default when there is no destination at all.
+// copies, and the PDF default when there is no destination at all. Then
+// forms, printer selection and the cash drawer: what libcups, lpoptions and
+// a new process see of the forms, the sheet and queue of later jobs, the
+// drawer's bytes as a raw job.
 //
 // Run as its own program, because the print client library reads
-// CUPS_SERVER once: "--sin-servidor" points it at a port where nothing
-// listens and runs only the SinServidor tests; without it a private server
-// with two queues is started for the Cups tests.
+// CUPS_SERVER, CUPS_SERVERROOT and HOME (where the user's destinations are
+// saved) once: "--sin-servidor" points it at a port where nothing listens
+// and runs only the SinServidor tests; without it a private server is
+// started with the PDF queues "Kalo" (the default) and "PDF", and "Otra", raw.
+
+#include <cups/cups.h>
 
 #include <algorithm>
 
@@ -42,6 +48,10 @@ public:
         qunsetenv("LPDEST");
         ASSERT_TRUE(dir_.isValid());
         carpeta = dir_.path();
+        for (const char* v : {"CUPS_SERVERROOT", "HOME"}) {
+            QDir(carpeta).mkpath(QString::fromLatin1(v));
+            qputenv(v, QFile::encodeName(dir_.filePath(QString::fromLatin1(v))));
+        }
         if (sinServidor) {
             qputenv("CUPS_SERVER", "127.0.0.1:1");  // nothing listens there
             qputenv("KALO_CARPETA_DE_IMPRESOS", QFile::encodeName(dir_.filePath(u"impresos"_s)));
@@ -54,6 +64,8 @@ public:
         ASSERT_TRUE(ok && !servidor.isEmpty()) << "no arrancó el servidor de impresión privado";
         iniciado_ = true;
         Script({u"cola"_s, carpeta, u"Kalo"_s, u"predeterminada"_s, QStringLiteral(KALO_PPD_DE_PRUEBA)}, &ok);
+        ASSERT_TRUE(ok);
+        Script({u"cola"_s, carpeta, u"PDF"_s, {}, QStringLiteral(KALO_PPD_DE_PRUEBA)}, &ok);
         ASSERT_TRUE(ok);
         Script({u"cola"_s, carpeta, u"Otra"_s}, &ok);
         ASSERT_TRUE(ok);
@@ -96,15 +108,16 @@ protected:
     std::shared_ptr<ImpresoraDelSistema> impresora;
 };
 
-// Every destination, made once per index; the default one is the current
-// printer. "Otra" is a raw queue: a document of only new pages still has them.
+// Every destination, made once per index, in the server's order; the
+// default one is the current printer. "Otra" is a raw queue: a document of
+// only new pages still has them.
 TEST_F(Cups, LaColeccionListaCadaDestino) {
     EXPECT_EQ(impresora->DeviceName(), u"Kalo"_s);
     EXPECT_EQ(ImpresoraActual(), impresora);
     auto impresoras = ColeccionDeImpresoras();
-    ASSERT_EQ(CLng(impresoras->Lee(u"Count"_s)), 2);
+    ASSERT_EQ(CLng(impresoras->Lee(u"Count"_s)), 3);
     QStringList nombres;
-    for (int32_t i = 0; i < 2; ++i) {
+    for (int32_t i = 0; i < 3; ++i) {
         auto otra = std::dynamic_pointer_cast<ImpresoraDelSistema>(impresoras->Llama(u"Item"_s, {i}).objeto());
         ASSERT_TRUE(otra);
         nombres << otra->DeviceName();
@@ -119,9 +132,8 @@ TEST_F(Cups, LaColeccionListaCadaDestino) {
         ASSERT_FALSE(pdf.isEmpty());
         EXPECT_EQ(LeePdf(pdf).paginas, 3);
     }
-    nombres.sort();
-    EXPECT_EQ(nombres, (QStringList{u"Kalo"_s, u"Otra"_s}));
-    for (int32_t fuera : {-1, 2})
+    EXPECT_EQ(nombres, (QStringList{u"Kalo"_s, u"Otra"_s, u"PDF"_s}));
+    for (int32_t fuera : {-1, 3})
         EXPECT_EQ(NumeroDeError([&] { impresoras->Llama(u"Item"_s, {fuera}); }), err::kSubindiceFueraDeIntervalo);
     EXPECT_EQ(NumeroDeError([&] { impresoras->Asigna(u"Count"_s, 3); }), err::kNoAdmitePropiedadOMetodo);
 }
@@ -213,6 +225,149 @@ TEST_F(Cups, LosCodigosDeBarrasImpresosSeLeen) {
     std::sort(lecturas.begin(), lecturas.end());
     std::sort(esperadas.begin(), esperadas.end());
     EXPECT_EQ(lecturas, esperadas);
+}
+
+// ---- Forms, printer selection and the cash drawer ------------------------------
+
+// The media saved for a destination instance, as libcups gives it to any
+// program; empty when there is no such instance.
+QString MedioDe(const QString& cola, const QString& instancia) {
+    cups_dest_t* lista = nullptr;
+    const int n = cupsGetDests2(CUPS_HTTP_DEFAULT, &lista);
+    const cups_dest_t* d = cupsGetDest(cola.toUtf8().constData(), instancia.toUtf8().constData(), n, lista);
+    const QString medio = d ? QString::fromUtf8(cupsGetOption("media", d->num_options, d->options)) : QString();
+    cupsFreeDests(n, lista);
+    return medio;
+}
+
+int32_t UltimoTrabajoDe(const char* cola) {
+    cups_job_t* trabajos = nullptr;
+    const int n = cupsGetJobs2(CUPS_HTTP_DEFAULT, &trabajos, cola, 0, CUPS_WHICHJOBS_ALL);
+    int32_t ultimo = 0;
+    for (int i = 0; i < n; ++i) ultimo = std::max(ultimo, trabajos[i].id);
+    cupsFreeJobs(n, trabajos);
+    return ultimo;
+}
+
+QString Herramienta(const QStringList& args, int& codigo) {
+    QProcess p;
+    p.start(QString::fromUtf8(KALO_HERRAMIENTA), args);
+    EXPECT_TRUE(p.waitForFinished(30000));
+    codigo = p.exitCode();
+    return QString::fromUtf8(p.readAllStandardOutput() + p.readAllStandardError());
+}
+
+class Formas : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (sinServidor) GTEST_SKIP() << "sin servidor de impresión";
+        BorraFormas();
+        EstableceImpresoraActual(nullptr);
+    }
+    // Wherever this libcups keeps them: the home, or for root maybe the client's folder.
+    static void BorraFormas() {
+        for (const QString& f : {u"HOME/.cups/lpoptions"_s, u"CUPS_SERVERROOT/lpoptions"_s})
+            QFile::remove(QDir(ServidorPrivado::carpeta).filePath(f));
+    }
+
+    // One page through Impresora: the job's number, once the queue has it.
+    int32_t Imprime() {
+        imp.IniciaDocumento();
+        imp.Say(1, 1, u"x"_s);
+        imp.FinDocumento();
+        const auto actual = std::dynamic_pointer_cast<ImpresoraDelSistema>(ImpresoraActual());
+        const int32_t trabajo = actual ? actual->UltimoTrabajo() : 0;
+        EXPECT_FALSE(EsperaTrabajo(trabajo).isEmpty()) << trabajo;
+        return trabajo;
+    }
+    static std::vector<QSizeF> Paginas(int32_t trabajo) { return LeePdf(EsperaTrabajo(trabajo)).tamanos; }
+
+    Impresora imp;
+};
+
+TEST_F(Formas, CadaPapelDejaSuFormaEnElServidorYLosTrabajosSalenEnElla) {
+    imp.EstableceImpresora(u"PDF"_s);
+    // Code, inches and style asked for; the instance's media; the page, in
+    // points. A4's printable area (7.76 x 11.19 inches) makes a form of 8 x 11.
+    for (const auto& [codigo, ancho, alto, estilo, medio, pagina] :
+         {std::tuple(9, 0.0, 0.0, u"Tiendanova"_s, u"Custom.203.2x279.4mm"_s, QSizeF(576, 792)),
+          std::tuple(256, 4.0, 6.0, u"Tiendanova"_s, u"Custom.101.6x152.4mm"_s, QSizeF(288, 432)),
+          std::tuple(256, 5.5, 7.5, u"Caja"_s, u"Custom.152.4x203.2mm"_s, QSizeF(432, 576))}) {
+        SCOPED_TRACE(medio.toStdString());
+        imp.PaperSize(codigo, ancho, alto, estilo);
+        EXPECT_EQ(MedioDe(u"PDF"_s, u"Tiendanova_"_s + estilo), medio);
+        EXPECT_TRUE(Ejecuta(u"lpoptions"_s, {u"-p"_s, u"PDF/Tiendanova_"_s + estilo}).contains(u"media="_s + medio));
+        const int32_t trabajo = Imprime();
+        EXPECT_EQ(UltimoTrabajoDe("PDF"), trabajo);
+        EXPECT_EQ(Paginas(trabajo), std::vector<QSizeF>{pagina});
+        QFile atributos(EsperaTrabajo(trabajo, u"txt"_s));
+        EXPECT_TRUE(atributos.open(QIODevice::ReadOnly) && atributos.readAll().contains("media=" + medio.toUtf8()));
+    }
+    imp.LandScape();
+    EXPECT_EQ(Paginas(Imprime()), std::vector<QSizeF>{QSizeF(576, 432)});
+    // Another program, started now, sees the forms under their printer.
+    int codigo = -1;
+    const QString lista = Herramienta({u"impresoras"_s}, codigo);
+    EXPECT_EQ(codigo, 0);
+    EXPECT_TRUE(lista.contains(u"  PDF\n      forma Tiendanova_Caja: 152.4 x 203.2 mm\n"_s)) << lista.toStdString();
+}
+
+// A name the print server cannot hold is never added; the sheet follows the
+// form named by the first 32 characters of the name, here only when that is
+// the whole name. Otherwise the sheet stays as the driver was first asked:
+// 6 inches from the 8-inch printable width, 9180 twips.
+TEST_F(Formas, SoloSeAgreganNombresValidosYSoloSeEligenHasta32Caracteres) {
+    const QString de21 = u"Mostrador_de_entrada"_s + u'X';
+    for (const auto& [estilo, agregada, ancho] :
+         {std::tuple(u"Caja"_s, true, 5760), std::tuple(de21 + u'X', true, 9180), std::tuple(de21, true, 5760),
+          std::tuple(u"Mi caja"_s, false, 9180)}) {
+        SCOPED_TRACE(estilo.toStdString());
+        BorraFormas();
+        imp.EstableceImpresora(u"PDF"_s);
+        imp.PaperSize(256, 4, 6, estilo);
+        EXPECT_EQ(MedioDe(u"PDF"_s, u"Tiendanova_"_s + estilo), agregada ? u"Custom.101.6x152.4mm"_s : QString());
+        EXPECT_EQ(CLng(ImpresoraActual()->Lee(u"Width"_s)), ancho);
+    }
+}
+
+TEST_F(Formas, EstableceImpresoraEligeElDestinoExactoYLeAplicaLaForma) {
+    // The argument; the printer current afterwards; whether its queue then
+    // has the style's form, at the letter sheet it had.
+    for (const auto& [nombre, actual, forma] :
+         {std::tuple(Variant(u" PDF "_s), u"PDF"_s, true), std::tuple(Variant(u"pdf"_s), u"Kalo"_s, true),
+          std::tuple(Variant(u"No existe"_s), u"Kalo"_s, true), std::tuple(Variant::Nulo(), u"Kalo"_s, false)}) {
+        SCOPED_TRACE(actual.toStdString());
+        BorraFormas();
+        EstableceImpresoraActual(nullptr);
+        imp.EstableceImpresora(nombre);
+        EXPECT_EQ(ImpresoraActual()->Lee(u"DeviceName"_s).texto(), actual);
+        EXPECT_EQ(MedioDe(actual, u"Tiendanova_Tiendanova"_s), forma ? u"Custom.215.9x279.4mm"_s : QString());
+    }
+    // An instance is a destination too, on the sheet its media gives; later
+    // documents go to its queue.
+    bool ok = false;
+    Ejecuta(u"lpoptions"_s, {u"-p"_s, u"Kalo/Tiendanova_Tiendanova"_s, u"-o"_s, u"media=Custom.101.6x152.4mm"_s}, &ok);
+    ASSERT_TRUE(ok);
+    imp.EstableceImpresora(u"Kalo/Tiendanova_Tiendanova"_s);
+    EXPECT_EQ(ImpresoraActual()->Lee(u"DeviceName"_s).texto(), u"Kalo/Tiendanova_Tiendanova"_s);
+    const int32_t trabajo = Imprime();
+    EXPECT_EQ(UltimoTrabajoDe("Kalo"), trabajo);
+    EXPECT_EQ(Paginas(trabajo), std::vector<QSizeF>{QSizeF(288, 432)});
+}
+
+TEST_F(Formas, ElCajonDeUnaColaLlegaComoTrabajoEnBruto) {
+    for (const QString& puerto : {u"Otra"_s, u"\\\\caja\\Otra"_s}) {
+        const int32_t antes = UltimoTrabajoDe("Otra");
+        imp.AbrirCajonDeDinero(puerto, u"\x1bp"_s + QChar(0) + QChar(0x19) + QChar(0xFA));
+        const int32_t trabajo = UltimoTrabajoDe("Otra");
+        ASSERT_GT(trabajo, antes) << puerto.toStdString();
+        QFile bytes(EsperaTrabajo(trabajo));
+        EXPECT_TRUE(bytes.open(QIODevice::ReadOnly));
+        EXPECT_EQ(bytes.readAll(), QByteArray("\x1bp\0\x19\xfa\r\n", 7));
+    }
+    int codigo = -1;
+    EXPECT_TRUE(Herramienta({u"cajon"_s, u"\\\\caja\\Otra"_s}, codigo).contains(u"a la cola «Otra»"_s));
+    EXPECT_EQ(codigo, 0);
 }
 
 class SinServidor : public ::testing::Test {

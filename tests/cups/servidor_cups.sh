@@ -15,9 +15,10 @@
 #   servidor_cups.sh detiene CARPETA
 #       Stops the server started in CARPETA.
 #
-# Queues write every job to CARPETA/trabajos/trabajo-ID.pdf, and the job's
-# copies, title and options to CARPETA/trabajos/trabajo-ID.txt, through the
-# small backend "archivo" next to this script.
+# Queues write every job's document, as it came (a PDF, or a raw job's
+# bytes), to CARPETA/trabajos/trabajo-ID.pdf, and the job's copies, title and
+# options to CARPETA/trabajos/trabajo-ID.txt, through the small backend
+# "archivo" next to this script.
 set -euo pipefail
 
 AQUI="$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)"

@@ -1,6 +1,8 @@
-// Paper size, orientation and the printer's form: against a recording
-// printer (member calls, error paths) and against the embedded PDF printer
-// (the sheet each call leaves, read back from the printed file).
+// Paper size, orientation, the printer's form and printer selection on
+// printers with no print server behind them: a recording printer (member
+// calls, error paths) and the embedded PDF printer (the sheet each call
+// leaves, read back from the printed file). The print server's side is in
+// tests/cups.
 
 #include <gtest/gtest.h>
 
@@ -10,7 +12,6 @@
 #include "comun/lectura_de_reporte.h"
 #include "comun/utilerias_de_prueba.h"
 #include "comun/herramientas_pdf.h"
-#include "paper/cola_de_impresion.h"
 #include "target/impresora_sistema.h"
 
 using namespace kalo;
@@ -34,14 +35,6 @@ public:
 private:
     static double Twips(int16_t modo) { return modo == 5 ? 1440 : modo == 6 ? 1440 / 25.4 : 1; }
 };
-
-// The size of the device's form by that name (thousandths of a millimetre);
-// an empty size when there is none.
-QSize TamanoDeForma(const QString& dispositivo, const QString& nombre) {
-    for (const auto& f : cola::FormasDe(dispositivo))
-        if (f.nombre == nombre) return QSize(f.cx, f.cy);
-    return {};
-}
 
 // A letter sheet in portrait on a recording printer whose name is this test's.
 class Papel : public prueba::ConImpresoraYVistaGrabadoras<> {
@@ -80,15 +73,25 @@ TEST_F(Papel, CadaMetodoPorAutomatizacionQuedaGrabadoConSuTexto) {
     llama("PaperSize", {u"256"_s, 4.25, 6.5});
     EXPECT_EQ(imp.EstiloImpresion(), u"Tiendanova"_s);
     llama("RestauraPapel");
-    QString estilo = u"Automata"_s;
-    imp.EstiloImpresion(estilo);
     llama("EstableceEstiloImpresoraNT");
-    EXPECT_TRUE(TamanoDeForma(dispositivo, u"Tiendanova_Automata"_s).isValid());
     EXPECT_TRUE(llama("CreaForma").identico(Variant::Nada()));
+    // No destination has these names: the printer stays, and the style's
+    // form is applied to it all the same; Null changes nothing.
+    EXPECT_EQ(imp.Paginas, 0);
+    impresora->Pon(u"ScaleMode"_s, int16_t{1});
+    for (const Variant& nombre : {Variant(u"  Caja 1 "_s), Variant::Nulo()}) {
+        impresora->llamados.clear();
+        llama("EstableceImpresora", {nombre});
+        EXPECT_EQ(ImpresoraActual(), impresora);
+        EXPECT_EQ(Asignados(u"Width"_s).size(), nombre.esNulo() ? 0u : 1u);
+    }
+    EXPECT_EQ(imp.Paginas, 1);
+    llama("AbrirCajonDeDinero", {u"/dev/kalo-sin-cajon"_s, u"x"_s});
     EXPECT_EQ(prueba::Comandos(imp.DB),
               (QStringList{u"Portrait\r\n"_s, u"LandScape\r\n"_s,
-                           u"PaperSize Fn(\"256\"),Fn(\"4.25\"),Fn(\"6.5\")\r\n"_s, u"RestauraPapel\r\n"_s}));
-    EXPECT_EQ(imp.nLinea, 4);
+                           u"PaperSize Fn(\"256\"),Fn(\"4.25\"),Fn(\"6.5\")\r\n"_s, u"RestauraPapel\r\n"_s,
+                           u"EstableceImpresora \"Caja 1\"\r\n"_s, u"EstableceImpresora \"\"\r\n"_s}));
+    EXPECT_EQ(imp.nLinea, 6);
 }
 
 // Portrait never turns the page back nor resets the grid; only the printer
@@ -126,7 +129,6 @@ TEST_F(Papel, TamanoDeUsuarioPasaAlDriverEnElOrdenDeSiempre) {
     EXPECT_TRUE(altos[0].identico(Variant(0)));
     EXPECT_TRUE(anchos[1].identico(Variant(4 * 1440)));
     EXPECT_TRUE(altos[1].identico(Variant(6 * 1440)));
-    EXPECT_EQ(cola::UltimaSeleccion(dispositivo).forma, u"Tiendanova_Caja"_s);
 }
 
 TEST_F(Papel, UnaImpresoraQueFallaDejaElTamanoPedidoSinAvisar) {
@@ -148,27 +150,6 @@ TEST_F(Papel, UnaImpresoraQueFallaDejaElTamanoPedidoSinAvisar) {
         EXPECT_EQ(QSizeF(otra.FormaAncho(), otra.FormaAlto()), QSizeF(4, 6));
         EXPECT_EQ(otra.EstiloImpresion(), QString::fromUtf16(estilo));
         EXPECT_EQ(otra.nLinea, 1);
-    }
-}
-
-TEST_F(Papel, ElNombreDeFormaSeCortaA32CaracteresSinNulo) {
-    const QString justo = u"Mostrador_de_entrada"_s + u'X';    // 11 + 21 = 32 characters
-    const QString largo = u"Mostrador_de_entrada_principal"_s;  // 41 characters
-    const std::tuple<QString, QByteArray, bool> casos[] = {
-        {u"Caja"_s, QByteArray("Tiendanova_Caja") + '\0' + QByteArray(16, ' '), true},
-        {justo, (u"Tiendanova_"_s + justo).toLatin1(), true},
-        {largo, (u"Tiendanova_"_s + largo).left(32).toLatin1(), false},
-    };
-    for (const auto& [estilo, campo, seleccionada] : casos) {
-        SCOPED_TRACE(estilo.toStdString());  // the driver finds the form by the name field, or not
-        QString dado = estilo;
-        imp.EstiloImpresion(dado);
-        imp.EstableceEstiloImpresoraNT();
-        const cola::Seleccion s = cola::UltimaSeleccion(dispositivo);
-        EXPECT_EQ(s.nombreDeForma, campo);
-        EXPECT_EQ(s.forma, seleccionada ? u"Tiendanova_"_s + estilo : QString());
-        // The form keeps its whole name; the sheet is the letter one, read in twips.
-        EXPECT_EQ(TamanoDeForma(dispositivo, u"Tiendanova_"_s + estilo), QSize(215900, 279400));
     }
 }
 
@@ -208,7 +189,6 @@ protected:
     QTemporaryDir carpeta;
     std::shared_ptr<ImpresoraDelSistema> impresora;
     Impresora imp;
-    const QString pdf = u"PDF (KaloImpresora)"_s;
 };
 
 TEST_F(PapelEnPdf, CadaPapelTerminaEnLaFormaDePulgadasEnteras) {
@@ -223,16 +203,12 @@ TEST_F(PapelEnPdf, CadaPapelTerminaEnLaFormaDePulgadasEnteras) {
           std::tuple(256, QSizeF(5.5, 7.5), u"Caja"_s, QSizeF(5.5, 7.5), QSize(152400, 203200))}) {
         SCOPED_TRACE(pedido.width());
         NuevaImpresora();
-        const int32_t abiertas = cola::ImpresorasAbiertas();
         imp.PaperSize(codigo, pedido.width(), pedido.height(), estilo);
         // The printable area as the device lays it out, to the dot.
         EXPECT_NEAR(imp.FormaAncho(), pagina.width(), 0.01);
         EXPECT_NEAR(imp.FormaAlto(), pagina.height(), 0.01);
         EXPECT_EQ(imp.PapelTipo, 1);
         EXPECT_EQ(imp.EstiloImpresion(), estilo);
-        EXPECT_EQ(TamanoDeForma(pdf, u"Tiendanova_"_s + estilo), forma);
-        EXPECT_EQ(cola::UltimaSeleccion(pdf).forma, u"Tiendanova_"_s + estilo);
-        EXPECT_EQ(cola::ImpresorasAbiertas(), abiertas);
         EXPECT_EQ(Miembro(u"PaperSize"_s), 256);
         EXPECT_EQ(QSize(Miembro(u"Width"_s), Miembro(u"Height"_s)), forma * 1440 / 25400);
         EXPECT_EQ(PaginaImpresa(), QSizeF(forma) * 72 / 25400);

@@ -10,7 +10,10 @@
 #include <deque>
 #include <memory>
 
+#include "cajon.h"
+#include "kaloimpresora/impresora.h"
 #include "kaloimpresora/impresoras.h"
+#include "paper/formas.h"
 #include "spool/conexion.h"
 #include "spool/reproduccion.h"
 #include "runtime/aplicacion.h"
@@ -40,7 +43,9 @@ los mismos comandos, uno por línea.
       --estricto               Rechaza el archivo entero si un renglón está mal
                                formado o un comando falla; no imprime nada.
     Sin destino, a la impresora actual (o a PDF en la carpeta de impresos).
-  impresoras                   Las impresoras que ve el componente; «*» la actual.
+  impresoras                   Las impresoras que ve el componente, «*» la actual,
+                               y las formas de papel definidas en cada una.
+  cajon PUERTO [--codigo TEXTO]  Abre el cajón de dinero (véase más abajo).
   resumen ARCHIVO              Documentos, páginas, comandos, fuentes y renglones
                                mal formados.
   vista ARCHIVO                Visor: página a página, zoom, imprimir, exportar a PDF.
@@ -288,13 +293,22 @@ int Impresoras() {
     AseguraAplicacion();
     const auto coleccion = ColeccionDeImpresoras();
     const QString actual = ImpresoraActual()->Lee(u"DeviceName"_s).texto();
+    const formas::Destinos destinos;
+    const QString prefijo = QString::fromUtf16(kEstiloPredeterminado) + u'_';
     const int32_t n = CLng(coleccion->Lee(u"Count"_s));
     bool marcada = false;
     for (int32_t i = 0; i < n; ++i) {
         const QString nombre = coleccion->Llama(u"Item"_s, {i}).objeto()->Lee(u"DeviceName"_s).texto();
         const bool esActual = !marcada && nombre == actual;
         marcada |= esActual;
+        // A form is shown under its printer, unless it is the current printer itself.
+        if (nombre.section(u'/', 1).startsWith(prefijo) && !esActual) continue;
         Escribe(stdout, (esActual ? u"* "_s : u"  "_s) + nombre + u'\n');
+        if (nombre.contains(u'/')) continue;
+        for (const formas::Forma& f : destinos.FormasDe(nombre))
+            Escribe(stdout, u"      forma %1: %2 x %3 mm\n"_s.arg(f.nombre)
+                                .arg(f.milesimas.width() / 1000.0)
+                                .arg(f.milesimas.height() / 1000.0));
     }
     if (!marcada) Escribe(stdout, u"* %1 (archivos en %2)\n"_s.arg(actual, CarpetaDeImpresos()));
     return salida::kBien;
@@ -346,7 +360,7 @@ int Ejecuta(const QStringList& argumentos) {
     const QString orden = argumentos.first();
     const QStringList resto = argumentos.mid(1);
     if (orden == u"--help"_s || orden == u"-h"_s || orden == u"ayuda"_s || resto.contains(u"--help"_s)) {
-        Escribe(stdout, QString::fromUtf16(kAyuda));
+        Escribe(stdout, QString::fromUtf16(kAyuda) + AyudaDelCajon());
         return salida::kBien;
     }
     if (orden == u"imprime"_s) return Imprime(resto);
@@ -354,6 +368,7 @@ int Ejecuta(const QStringList& argumentos) {
         if (!resto.isEmpty()) return Uso(u"«impresoras» no lleva argumentos"_s);
         return Impresoras();
     }
+    if (orden == u"cajon"_s) return Cajon(resto);
     if (orden == u"resumen"_s) return Resumen(resto);
     if (orden == u"vista"_s) return Vista(resto);
     return Uso(u"Orden desconocida: %1"_s.arg(orden));
