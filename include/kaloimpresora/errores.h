@@ -34,6 +34,16 @@ inline constexpr int32_t kImagenNoValida = 481;
 inline constexpr int32_t kErrorDeImpresora = 482;
 // A failed spool-file operation (the runtime's range for errors of objects).
 inline constexpr int32_t kErrorDeBaseDeDatos = -2147221504 + 1001;
+// Database access, numbered as the data-access objects number them; a
+// failure the database reports carries its own text after the description.
+inline constexpr int32_t kErrorNoEspecificado = -2147467259;  // a connection the server refused
+inline constexpr int32_t kErrorEnLaInstruccion = -2147217900;  // SQL the database rejected
+inline constexpr int32_t kArgumentosNoValidos = 3001;
+inline constexpr int32_t kSinRegistroActual = 3021;
+inline constexpr int32_t kElementoNoEncontrado = 3265;
+inline constexpr int32_t kObjetoCerrado = 3704;
+inline constexpr int32_t kObjetoAbierto = 3705;
+inline constexpr int32_t kProveedorNoEncontrado = 3706;
 }  // namespace err
 
 // The runtime's Spanish description for an error number; a generic text for

@@ -168,6 +168,9 @@ public:
     double Fn(const QString& strValue);
     // The runtime's Format: Sunday first, the first week the one of 1 January.
     Variant Formato(const Variant& Var, const Variant& strFormat);
+    // The recordset of strSql on Connection: the utility object's
+    // AbreConsulta(strSql, Connection, True).
+    std::shared_ptr<Objeto> rst(QString& strSql, std::shared_ptr<Objeto>& Connection);
     // The amount in Spanish words, from the utility object.
     QString Letra(const Variant& nNumero, const Variant& Leyenda, const Variant& Decimales,
                   const Variant& strLeyenda2 = QString());

@@ -92,6 +92,10 @@ public:
     // replace-all loop forever).
     int32_t BuscaTexto(const Variant& busca, const QString& texto) override;
     QString SeparadorDecimal() override;
+    // On the component's connections (kaloimpresora/automatizacion.h,
+    // "KaloImpresora.Conexion") and on any other connection object through
+    // its Execute member; Nothing raises 91. Every recordset is forward-only
+    // and read-only, so opcion selects nothing.
     std::shared_ptr<Objeto> AbreConsulta(const QString& sql, const std::shared_ptr<Objeto>& conexion,
                                          bool opcion) override;
     double FechaDePeriodo(const Variant& periodo1, const Variant& periodo2) override;

@@ -70,6 +70,7 @@ Variant AVariant(double d, TipoDato tipo) {
     return tipo == TipoDato::Fecha ? Variant::Fecha(d) : Variant(d);
 }
 Variant AVariant(const QString& s, TipoDato) { return Variant(s); }
+Variant AVariant(const Variant& v, TipoDato) { return v; }
 Variant AVariant(const std::shared_ptr<Objeto>& o, TipoDato) { return Variant(o); }
 
 void DeVariant(const Variant& v, bool& campo) { campo = CBool(v); }
@@ -79,6 +80,7 @@ void DeVariant(const Variant& v, double& campo) {
     campo = v.tipo() == TipoVariant::Fecha ? v.fecha() : CDbl(v);
 }
 void DeVariant(const Variant& v, QString& campo) { campo = CStr(v); }
+void DeVariant(const Variant& v, Variant& campo) { campo = v; }
 void DeVariant(const Variant& v, std::shared_ptr<Objeto>& campo) { campo = v.objeto(); }
 
 }  // namespace kalo

@@ -15,23 +15,8 @@
 
 namespace kalo {
 
-enum class TipoDato { Variante, Booleano, Entero, Largo, Doble, Fecha, Texto, Objeto, ParamData, Ninguno };
-
-enum class ClaseDeMiembro {
-    PropiedadValor,   // get and let
-    PropiedadObjeto,  // get and set
-    Metodo,
-};
-
-struct Parametro {
-    QString nombre;
-    TipoDato tipo = TipoDato::Variante;
-    bool porReferencia = false;
-    bool opcional = false;
-    // Default of an optional; without one an omitted optional arrives as
-    // Variant::Falta() (a typed one as its type's zero value).
-    std::optional<Variant> omision;
-};
+// TipoDato, ClaseDeMiembro and Parametro are public (kaloimpresora/automatizacion.h):
+// tables are also their classes' type information.
 
 // How member tables describe parameters: by reference (the interfaces' usual
 // way) or by value, and optional with or without a default.
@@ -60,6 +45,7 @@ Variant AVariant(int16_t i, TipoDato);
 Variant AVariant(int32_t i, TipoDato);
 Variant AVariant(double d, TipoDato tipo);  // Doble or Fecha
 Variant AVariant(const QString& s, TipoDato);
+Variant AVariant(const Variant& v, TipoDato);
 Variant AVariant(const std::shared_ptr<Objeto>& o, TipoDato);
 template <class T>
     requires std::is_convertible_v<std::shared_ptr<T>, std::shared_ptr<Objeto>>
@@ -72,6 +58,7 @@ void DeVariant(const Variant& v, int16_t& campo);
 void DeVariant(const Variant& v, int32_t& campo);
 void DeVariant(const Variant& v, double& campo);
 void DeVariant(const Variant& v, QString& campo);
+void DeVariant(const Variant& v, Variant& campo);
 void DeVariant(const Variant& v, std::shared_ptr<Objeto>& campo);
 template <class T>
     requires(!std::is_same_v<T, Objeto>)
@@ -85,12 +72,13 @@ struct Miembro {
     int32_t dispid = 0;
     ClaseDeMiembro clase = ClaseDeMiembro::Metodo;
     TipoDato tipo = TipoDato::Ninguno;  // value of a property, result of a method
-    std::vector<Parametro> parametros;  // methods only
+    std::vector<Parametro> parametros;  // methods and read-only properties
+    // Properties with let or set.
     std::function<Variant(Clase&)> lee;
     std::function<void(Clase&, const Variant&)> asigna;
-    // Receives exactly one slot per parameter, already converted; may change
-    // the slots of by-reference parameters. Empty while the member is not
-    // available yet.
+    // Methods and read-only properties. Receives exactly one slot per
+    // parameter, already converted; may change the slots of by-reference
+    // parameters. Empty while the member is not available yet.
     std::function<Variant(Clase&, std::span<Variant>)> llama;
 };
 
@@ -113,17 +101,19 @@ public:
         return it == porNombre_.cend() ? kDispidDesconocido : *it;
     }
     virtual Variant Invoca(Objeto& objeto, int32_t dispid, Llamada tipo, std::span<Variant> argumentos) const = 0;
-    const QString& nombreDeClase() const { return nombreDeClase_; }
+    const QString& nombreDeClase() const { return informacion_.nombreDeClase; }
+    const InformacionDeTipo& informacion() const { return informacion_; }
 
 protected:
-    explicit TablaDeMiembros(QString nombreDeClase) : nombreDeClase_(std::move(nombreDeClase)) {}
-    void Nombra(const QString& nombre, int32_t dispid) {
-        porNombreExacto_.insert(nombre, dispid);
-        porNombre_.insert(nombre.toCaseFolded(), dispid);
+    explicit TablaDeMiembros(QString nombreDeClase) { informacion_.nombreDeClase = std::move(nombreDeClase); }
+    void Declara(DescripcionDeMiembro miembro) {
+        porNombreExacto_.insert(miembro.nombre, miembro.dispid);
+        porNombre_.insert(miembro.nombre.toCaseFolded(), miembro.dispid);
+        informacion_.miembros.push_back(std::move(miembro));
     }
 
 private:
-    QString nombreDeClase_;
+    InformacionDeTipo informacion_;
     QHash<QString, int32_t> porNombreExacto_;
     QHash<QString, int32_t> porNombre_;
 };
@@ -134,8 +124,9 @@ public:
     explicit Interfaz(QString nombreDeClase, std::vector<Miembro<Clase>> miembros)
         : TablaDeMiembros(std::move(nombreDeClase)), miembros_(std::move(miembros)) {
         for (size_t i = 0; i < miembros_.size(); ++i) {
-            Nombra(miembros_[i].nombre, miembros_[i].dispid);
-            porId_.insert(miembros_[i].dispid, i);
+            const Miembro<Clase>& m = miembros_[i];
+            Declara({m.nombre, m.dispid, m.clase, m.tipo, m.parametros});
+            porId_.insert(m.dispid, i);
         }
     }
 
@@ -171,6 +162,7 @@ public:
             m->asigna(objeto, ConOrigen(origen, [&] { return Coacciona(argumentos[0], m->tipo); }));
             return Variant();
         }
+        case ClaseDeMiembro::PropiedadDeLectura:
         case ClaseDeMiembro::Metodo: {
             if (!lectura) Lanza(err::kNoAdmitePropiedadOMetodo, origen());
             std::vector<Variant> ranuras = ConOrigen(origen, [&] {
@@ -221,11 +213,28 @@ const Interfaz<Clase>& InterfazDe() {
 }
 
 // Builders for table entries.
-// A property whose get and let go through the class's own procedures.
+// A property that can only be read (assigning it raises 438); without
+// parameters it reads through lee.
+template <class Clase>
+Miembro<Clase> PropiedadDeLectura(QString nombre, int32_t dispid, TipoDato tipo, std::function<Variant(Clase&)> lee) {
+    Miembro<Clase> m{std::move(nombre), dispid, ClaseDeMiembro::PropiedadDeLectura, tipo, {}, {}, {}, {}};
+    m.llama = [lee = std::move(lee)](Clase& o, std::span<Variant>) { return lee(o); };
+    return m;
+}
+template <class Clase>
+Miembro<Clase> PropiedadDeLectura(QString nombre, int32_t dispid, TipoDato tipo, std::vector<Parametro> parametros,
+                                  std::function<Variant(Clase&, std::span<Variant>)> llama) {
+    return {std::move(nombre), dispid, ClaseDeMiembro::PropiedadDeLectura, tipo, std::move(parametros), {}, {},
+            std::move(llama)};
+}
+
+// A property whose get and let go through the class's own procedures; without
+// asigna it is read-only.
 template <class Clase>
 Miembro<Clase> PropiedadConProcedimientos(QString nombre, int32_t dispid, TipoDato tipo,
                                           std::function<Variant(Clase&)> lee,
                                           std::function<void(Clase&, const Variant&)> asigna) {
+    if (!asigna) return PropiedadDeLectura<Clase>(std::move(nombre), dispid, tipo, std::move(lee));
     Miembro<Clase> m{std::move(nombre), dispid, ClaseDeMiembro::PropiedadValor, tipo, {}, std::move(lee),
                      std::move(asigna), {}};
     return m;

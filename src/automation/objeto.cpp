@@ -19,6 +19,16 @@ Variant InvocaEnTabla(const TablaDeMiembros& tabla, Objeto& objeto, int32_t disp
     return tabla.Invoca(objeto, dispid, tipo, argumentos);
 }
 
+const InformacionDeTipo& InformacionDeTabla(const TablaDeMiembros& tabla) { return tabla.informacion(); }
+
+const DescripcionDeMiembro* InformacionDeTipo::Busca(const QString& nombre) const {
+    for (const DescripcionDeMiembro& m : miembros)
+        if (m.nombre.compare(nombre, Qt::CaseInsensitive) == 0) return &m;
+    return nullptr;
+}
+
+const InformacionDeTipo* Objeto::Describe() const { return nullptr; }
+
 int32_t Objeto::IdDeNombre(const QString&) const { return kDispidDesconocido; }
 
 Variant Objeto::Invoca(int32_t, Llamada, std::span<Variant>) {

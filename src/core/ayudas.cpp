@@ -96,6 +96,10 @@ double Impresora::Fn(const QString& strValue) {
 
 Variant Impresora::Formato(const Variant& Var, const Variant& strFormat) { return kalo::Formato(Var, strFormat); }
 
+std::shared_ptr<Objeto> Impresora::rst(QString& strSql, std::shared_ptr<Objeto>& Connection) {
+    return UtileriasCompartidas().AbreConsulta(strSql, Connection, true);
+}
+
 QString Impresora::Letra(const Variant& nNumero, const Variant& Leyenda, const Variant& Decimales,
                          const Variant& strLeyenda2) {
     Utilerias& util = UtileriasCompartidas();

@@ -118,7 +118,12 @@ std::vector<M> Miembros() {
            [](Impresora& o, Ranuras a) { return o.Row(a[0]); });
     metodo(u"Col", 0x60030016, T::Variante, {PorRef(u"nColumna"_s)},
            [](Impresora& o, Ranuras a) { return o.Col(a[0]); });
-    metodo(u"rst", 0x60030017, T::Objeto, {PorRef(u"strSql"_s, T::Texto), PorRef(u"Connection"_s, T::Objeto)});
+    metodo(u"rst", 0x60030017, T::Objeto, {PorRef(u"strSql"_s, T::Texto), PorRef(u"Connection"_s, T::Objeto)},
+           [](Impresora& o, Ranuras a) {
+               QString sql = a[0].texto();
+               std::shared_ptr<Objeto> conexion = a[1].objeto();
+               return Variant(o.rst(sql, conexion));
+           });
     metodo(u"Letra", 0x60030018, T::Texto,
            {PorRef(u"nNumero"_s), PorRef(u"Leyenda"_s), PorRef(u"Decimales"_s),
             Opcional(PorRef(u"strLeyenda2"_s), Variant(QString()))},

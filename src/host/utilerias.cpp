@@ -4,6 +4,7 @@
 
 #include "kaloimpresora/automatizacion.h"
 #include "barcode/imagenes_zint.h"
+#include "data/conexion.h"
 #include "text/importe_en_letra.h"
 
 namespace kalo {
@@ -90,8 +91,15 @@ int32_t UtileriasPredeterminadas::BuscaTexto(const Variant& busca, const QString
 
 QString UtileriasPredeterminadas::SeparadorDecimal() { return LocalDelUsuario().decimalPoint(); }
 
-std::shared_ptr<Objeto> UtileriasPredeterminadas::AbreConsulta(const QString&, const std::shared_ptr<Objeto>&, bool) {
-    NoDisponible(u"AbreConsulta");
+std::shared_ptr<Objeto> UtileriasPredeterminadas::AbreConsulta(const QString& sql,
+                                                               const std::shared_ptr<Objeto>& conexion, bool) {
+    const QString origen = QStringLiteral("Utilerias.AbreConsulta");
+    if (!conexion) Lanza(err::kObjetoNoEstablecido, origen);
+    if (auto* propia = dynamic_cast<Conexion*>(conexion.get())) return propia->Execute(sql);
+    // Another connection object: through its own Execute.
+    const Variant resultado = conexion->Llama(QStringLiteral("Execute"), {sql});
+    if (!resultado.esObjeto()) Lanza(err::kTiposNoCoinciden, origen);
+    return resultado.objeto();
 }
 double UtileriasPredeterminadas::FechaDePeriodo(const Variant&, const Variant&) { NoDisponible(u"FechaDePeriodo"); }
 void UtileriasPredeterminadas::PreparaFormulario(QObject*, const std::shared_ptr<Objeto>&, const QString&) {

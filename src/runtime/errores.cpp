@@ -14,7 +14,9 @@ struct Descripcion {
 };
 
 // Sorted by number for the binary search below.
-constexpr std::array<Descripcion, 26> kDescripciones{{
+constexpr std::array<Descripcion, 34> kDescripciones{{
+    {-2147467259, u"Error no especificado"},
+    {-2147217900, u"Error en la instrucción SQL"},
     {5, u"Llamada a procedimiento o argumento no válido"},
     {6, u"Desbordamiento"},
     {7, u"Memoria insuficiente"},
@@ -41,6 +43,12 @@ constexpr std::array<Descripcion, 26> kDescripciones{{
     {450, u"Número de argumentos erróneo o asignación de propiedad no válida"},
     {481, u"Imagen no válida"},
     {482, u"Error de impresora"},
+    {3001, u"Los argumentos son de tipo incorrecto, están fuera del intervalo aceptable o están en conflicto"},
+    {3021, u"BOF o EOF es True, o el registro actual se eliminó. La operación solicitada requiere un registro actual"},
+    {3265, u"No se encontró el elemento en la colección que corresponde al nombre o al ordinal solicitado"},
+    {3704, u"No se permite realizar esta operación si el objeto está cerrado"},
+    {3705, u"No se permite realizar esta operación si el objeto está abierto"},
+    {3706, u"No se encontró el proveedor. Puede que no esté instalado correctamente"},
 }};
 
 static_assert(std::is_sorted(kDescripciones.begin(), kDescripciones.end(),

@@ -16,19 +16,18 @@ constexpr double kHimetricoPorPulgada = 2540;
 constexpr int16_t kTipoMapaDeBits = 1;
 
 std::vector<Miembro<Imagen>> Miembros() {
-    auto soloLectura = [](Imagen&, const Variant&) { Lanza(err::kNoAdmitePropiedadOMetodo); };
     std::vector<Miembro<Imagen>> m;
     // There is no platform handle behind a picture here; 0 keeps code that
     // reads it working.
-    m.push_back(PropiedadConProcedimientos<Imagen>(
-        u"Handle"_s, 0, TipoDato::Largo, [](Imagen&) { return Variant(int32_t{0}); }, soloLectura));
-    m.push_back(PropiedadConProcedimientos<Imagen>(
-        u"Width"_s, 4, TipoDato::Largo, [](Imagen& i) { return Variant(i.AnchoHimetrico()); }, soloLectura));
-    m.push_back(PropiedadConProcedimientos<Imagen>(
-        u"Height"_s, 5, TipoDato::Largo, [](Imagen& i) { return Variant(i.AltoHimetrico()); }, soloLectura));
-    m.push_back(PropiedadConProcedimientos<Imagen>(
+    m.push_back(PropiedadDeLectura<Imagen>(
+        u"Handle"_s, 0, TipoDato::Largo, [](Imagen&) { return Variant(int32_t{0}); }));
+    m.push_back(PropiedadDeLectura<Imagen>(
+        u"Width"_s, 4, TipoDato::Largo, [](Imagen& i) { return Variant(i.AnchoHimetrico()); }));
+    m.push_back(PropiedadDeLectura<Imagen>(
+        u"Height"_s, 5, TipoDato::Largo, [](Imagen& i) { return Variant(i.AltoHimetrico()); }));
+    m.push_back(PropiedadDeLectura<Imagen>(
         u"Type"_s, 3, TipoDato::Entero,
-        [](Imagen& i) { return Variant(int16_t(i.imagen().isNull() ? 0 : kTipoMapaDeBits)); }, soloLectura));
+        [](Imagen& i) { return Variant(int16_t(i.imagen().isNull() ? 0 : kTipoMapaDeBits)); }));
     return m;
 }
 

@@ -205,7 +205,7 @@ std::vector<Miembro<I>> MiembrosDeImpresora() {
                         [](I& i, const Variant& v) { i.Width(v.largo()); }));
     m.push_back(Prop<I>(u"Height", 21, T::Largo, [](I& i) { return Variant(i.Height()); },
                         [](I& i, const Variant& v) { i.Height(v.largo()); }));
-    m.push_back(Prop<I>(u"DeviceName", 60, T::Texto, [](I& i) { return Variant(i.DeviceName()); }, SoloLectura<I>));
+    m.push_back(Prop<I>(u"DeviceName", 60, T::Texto, [](I& i) { return Variant(i.DeviceName()); }, nullptr));
     m.push_back(Prop<I>(u"Copies", 61, T::Entero, [](I& i) { return Variant(i.Copies()); },
                         [](I& i, const Variant& v) { i.Copies(v.entero()); }));
     m.push_back(Prop<I>(u"PaperSize", 62, T::Entero, [](I& i) { return Variant(i.PaperSize()); },
@@ -214,10 +214,10 @@ std::vector<Miembro<I>> MiembrosDeImpresora() {
                         [](I& i, const Variant& v) { i.Orientation(v.entero()); }));
     m.push_back(Prop<I>(u"ModoDeFondo", 64, T::Entero, [](I& i) { return Variant(i.ModoDeFondo()); },
                         [](I& i, const Variant& v) { i.ModoDeFondo(v.entero()); }));
-    m.push_back(Prop<I>(u"hDC", 65, T::Largo, [](I& i) { return Variant(i.hDC()); }, SoloLectura<I>));
-    m.push_back(Prop<I>(u"Page", 66, T::Largo, [](I& i) { return Variant(i.Page()); }, SoloLectura<I>));
+    m.push_back(Prop<I>(u"hDC", 65, T::Largo, [](I& i) { return Variant(i.hDC()); }, nullptr));
+    m.push_back(Prop<I>(u"Page", 66, T::Largo, [](I& i) { return Variant(i.Page()); }, nullptr));
     m.push_back(Prop<I>(u"ArchivoDeSalida", 67, T::Texto, [](I& i) { return Variant(i.ArchivoDeSalida()); },
-                        SoloLectura<I>));
+                        nullptr));
     m.push_back(Prop<I>(u"Suprime", 68, T::Booleano, [](I& i) { return Variant(i.Suprime()); },
                         [](I& i, const Variant& v) { i.Suprime(v.booleano()); }));
 

@@ -49,9 +49,7 @@ const Interfaz<Coleccion>& InterfazColeccion() {
         {
             Metodo<Coleccion>(u"Item"_s, kDispidValor, T::Objeto, {{u"Index"_s, T::Largo, false, false, {}}},
                               [](Coleccion& c, std::span<Variant> a) { return Variant(c.Item(a[0].largo())); }),
-            PropiedadConProcedimientos<Coleccion>(
-                u"Count"_s, 1, T::Largo, [](Coleccion& c) { return Variant(c.Count()); },
-                [](Coleccion&, const Variant&) { Lanza(err::kNoAdmitePropiedadOMetodo); }),
+            PropiedadDeLectura<Coleccion>(u"Count"_s, 1, T::Largo, [](Coleccion& c) { return Variant(c.Count()); }),
         });
     return interfaz;
 }

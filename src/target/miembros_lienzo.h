@@ -53,11 +53,6 @@ Miembro<Clase> Prop(const char16_t* nombre, int32_t id, TipoDato tipo, Leer leer
     return PropiedadConProcedimientos<Clase>(QString::fromUtf16(nombre), id, tipo, leer, escribir);
 }
 
-template <class Clase>
-void SoloLectura(Clase&, const Variant&) {
-    Lanza(err::kNoAdmitePropiedadOMetodo);
-}
-
 // A property read from and written to the class's Lienzo.
 template <class Clase, class Leer, class Escribir>
 Miembro<Clase> PropL(const char16_t* nombre, int32_t id, TipoDato tipo, Leer leer, Escribir escribir) {

@@ -103,16 +103,12 @@ std::vector<Miembro<S>> MiembrosDeSuperficie() {
     m.push_back(Prop<S>(u"Top", 23, T::Doble, [](S& s) { return Variant(s.Top()); },
                         [](S& s, const Variant& v) { s.Top(v.doble()); }));
 
-    Miembro<S> parent = Prop<S>(u"Parent", 24, T::Objeto, [](S& s) { return Variant(s.Parent()); }, SoloLectura<S>);
-    parent.clase = ClaseDeMiembro::PropiedadObjeto;
-    m.push_back(parent);
+    m.push_back(Prop<S>(u"Parent", 24, T::Objeto, [](S& s) { return Variant(s.Parent()); }, nullptr));
 
-    Miembro<S> image = Prop<S>(
+    m.push_back(Prop<S>(
         u"Image", 26, T::Objeto,
         [](S& s) { return Variant(std::make_shared<Imagen>(s.lienzo().Imagen(), s.lienzo().PppX())); },
-        SoloLectura<S>);
-    image.clase = ClaseDeMiembro::PropiedadObjeto;
-    m.push_back(image);
+        nullptr));
 
     m.push_back(Metodo<S>(u"Cls"_s, 41, T::Ninguno, {}, [](S& s, std::span<Variant>) {
         s.lienzo().Cls();

@@ -83,6 +83,16 @@ public:
     ~ConLocal() { EstableceLocalDelUsuario(std::nullopt); }
 };
 
+// Registers a host's class for the life of the object.
+class ConClase {
+public:
+    ConClase(QString id, FabricaDeObjetos fabrica) : id_(std::move(id)) { RegistraClase(id_, std::move(fabrica)); }
+    ~ConClase() { RegistraClase(id_, {}); }
+
+private:
+    QString id_;
+};
+
 // Puts a utility object in place for the life of the object.
 class ConUtilerias {
 public:

@@ -55,7 +55,6 @@ TEST(Utilerias, TextoDeValorBuscaTextoSeparadorYLoQueAunNoEsta) {
     ConLocal en("en_US");
     EXPECT_EQ(u.SeparadorDecimal(), u"."_s);
     EXPECT_EQ(NumeroDeError([&] { u.FechaDePeriodo(1, 2); }), 445);
-    EXPECT_EQ(NumeroDeError([&] { u.AbreConsulta(u"SELECT 1"_s, nullptr, true); }), 445);
 }
 
 class Marcada : public UtileriasPredeterminadas {
