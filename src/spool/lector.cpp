@@ -130,10 +130,10 @@ const char* CapaDeSoloLectura() {
         c.xDelete = Borra;
         c.xAccess = Accede;
         c.xFullPathname = RutaCompleta;
-        sqlite3_vfs_register(&c, 0);
         return c;
     }();
-    return capa.zName;
+    static const int registrada = sqlite3_vfs_register(&capa, 0);
+    return registrada == SQLITE_OK ? capa.zName : nullptr;
 }
 
 // ---- The connection's defences ----------------------------------------------
@@ -170,8 +170,7 @@ QString Motivo(int codigo) {
     switch (codigo & 0xFF) {
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
-    case SQLITE_FORMAT:
-    case SQLITE_RANGE: return u"está dañado"_s;
+    case SQLITE_FORMAT: return u"está dañado"_s;
     case SQLITE_INTERRUPT:
         return u"pide más trabajo del que se permite a una consulta (%1 instrucciones); se abandonó"_s.arg(
             limite::kPasosDeConsulta);
@@ -215,9 +214,11 @@ BaseDeLectura::BaseDeLectura(const QString& archivo) : archivo_(archivo) {
         if (f.read(kFirma.size()) != kFirma) Falla(u"no es un archivo de reporte"_s);
     }
     // An absolute path is never taken for a URI, whose options could undo all this.
+    const char* capa = CapaDeSoloLectura();
+    if (!capa) Falla(SQLITE_CANTOPEN);
     sqlite3* bd = nullptr;
     const int rc = sqlite3_open_v2(info.absoluteFilePath().toUtf8().constData(), &bd,
-                                   SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, CapaDeSoloLectura());
+                                   SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, capa);
     bd_.reset(bd);
     if (rc != SQLITE_OK) Falla(rc);
     sqlite3_extended_result_codes(bd, 1);
