@@ -95,7 +95,7 @@ struct ResultadoDeReproduccion {
     int paginasEmitidas = 0;
     int64_t comandos = 0;
     int64_t malFormadas = 0;
-    int errores = 0;
+    int64_t errores = 0;
     bool abortada = false;  // strict mode stopped it; nothing was delivered
 };
 
