@@ -39,7 +39,8 @@ los mismos comandos, uno por línea.
       --png CARPETA            Una imagen PNG por página en CARPETA.
       --resolucion PPP         Puntos por pulgada de las imágenes (150).
       --estricto               Rechaza el archivo entero si un renglón está mal
-                               formado o un comando falla; no imprime nada.
+                               formado, un comando falla o hay renglones con
+                               número repetido o fuera de orden; no imprime nada.
     Sin destino, a la impresora actual (o a PDF en la carpeta de impresos).
   impresoras                   Las impresoras que ve el componente; «*» la actual.
   resumen ARCHIVO              Documentos, páginas, comandos, fuentes y renglones
@@ -58,8 +59,9 @@ Los renglones mal formados se omiten con un aviso (salvo con --estricto); de
 los avisos se muestran los primeros 100 y de los demás solo cuántos son.
 
 Un archivo de otra procedencia se lee sin escribir nada a su lado ni ejecutar
-nada de lo que contenga: se rechaza si tiene vistas, disparadores, tablas
-virtuales o tablas distintas de las del componente, o si está dañado. Un
+nada de lo que contenga: se rechaza si tiene vistas, disparadores o tablas
+virtuales, si sus tablas source y header no son las del componente o si está
+dañado. Un
 comando de más de 64 KiB (una línea, o el texto de un renglón) se omite como
 mal formado. Los renglones con número repetido o fuera de orden se leen por
 número, con un aviso (con --estricto, el archivo se rechaza). Los caracteres de
