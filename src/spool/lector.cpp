@@ -67,9 +67,27 @@ int SinControles(sqlite3_file*, int, void*) { return SQLITE_NOTFOUND; }
 int Sector(sqlite3_file*) { return 4096; }
 int Caracteristicas(sqlite3_file*) { return 0; }
 
+// Version 1: no shared memory, no mapping of the file.
 const sqlite3_io_methods kMetodos = {
-    1, Cierra, Lee, Escribe, Trunca, Sincroniza, Tamano, SinCerrojo, SinCerrojo, NadieReserva, SinControles,
-    Sector, Caracteristicas, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+    .iVersion = 1,
+    .xClose = Cierra,
+    .xRead = Lee,
+    .xWrite = Escribe,
+    .xTruncate = Trunca,
+    .xSync = Sincroniza,
+    .xFileSize = Tamano,
+    .xLock = SinCerrojo,
+    .xUnlock = SinCerrojo,
+    .xCheckReservedLock = NadieReserva,
+    .xFileControl = SinControles,
+    .xSectorSize = Sector,
+    .xDeviceCharacteristics = Caracteristicas,
+    .xShmMap = nullptr,
+    .xShmLock = nullptr,
+    .xShmBarrier = nullptr,
+    .xShmUnmap = nullptr,
+    .xFetch = nullptr,
+    .xUnfetch = nullptr,
 };
 
 sqlite3_vfs* Sistema(sqlite3_vfs* capa) { return static_cast<sqlite3_vfs*>(capa->pAppData); }
@@ -93,7 +111,8 @@ int Abre(sqlite3_vfs* capa, sqlite3_filename nombre, sqlite3_file* f, int bander
         if (real->pMethods) real->pMethods->xClose(real);
         // A log that is not there is an empty one; one there but unreadable is not.
         int existe = 1;
-        if (!esLog || sistema->xAccess(sistema, nombre, SQLITE_ACCESS_EXISTS, &existe) != SQLITE_OK || existe) return rc;
+        if (!esLog || sistema->xAccess(sistema, nombre, SQLITE_ACCESS_EXISTS, &existe) != SQLITE_OK || existe)
+            return rc;
         if (salida) *salida = soloLectura;
     }
     archivo->base.pMethods = &kMetodos;
@@ -142,7 +161,7 @@ constexpr int kInstruccionesPorAviso = 1000;
 
 constexpr std::pair<int, int> kLimites[] = {
     {SQLITE_LIMIT_LENGTH, static_cast<int>(limite::kComando) + 2},  // a command and its CR LF
-    {SQLITE_LIMIT_SQL_LENGTH, 64 * 1024},  // the schema's statements too
+    {SQLITE_LIMIT_SQL_LENGTH, 64 * 1024},                           // the schema's statements too
     {SQLITE_LIMIT_COLUMN, 100},
     {SQLITE_LIMIT_EXPR_DEPTH, 64},
     {SQLITE_LIMIT_COMPOUND_SELECT, 4},
@@ -287,20 +306,21 @@ void LectorDeReporte::CompruebaEsquema() {
         if (rc == SQLITE_TOOBIG) base_.Falla(rc);
         const QString tipo = Texto(s.get(), 0), nombre = Texto(s.get(), 1);
         // Such SQL would run as the file is read; a spool file has none.
-        if (tipo == u"view") base_.Falla(u"no se lee: contiene la vista %1, y un archivo de reporte no tiene vistas"_s.arg(Nombre(nombre)));
-        if (tipo == u"trigger")
-            base_.Falla(u"no se lee: contiene el disparador %1, y un archivo de reporte no tiene disparadores"_s.arg(
-                Nombre(nombre)));
+        auto rehusa = [&](const char16_t* cual, const char16_t* cuales) {
+            base_.Falla(u"no se lee: contiene %1 %2, y un archivo de reporte no tiene %3"_s.arg(
+                QString::fromUtf16(cual), Nombre(nombre), QString::fromUtf16(cuales)));
+        };
+        if (tipo == u"view") rehusa(u"la vista", u"vistas");
+        if (tipo == u"trigger") rehusa(u"el disparador", u"disparadores");
         if (tipo != u"table") continue;
         if (Texto(s.get(), 2).simplified().startsWith(u"CREATE VIRTUAL TABLE"_s, Qt::CaseInsensitive))
-            base_.Falla(u"no se lee: contiene la tabla virtual %1, y un archivo de reporte no tiene tablas virtuales"_s.arg(
-                Nombre(nombre)));
+            rehusa(u"la tabla virtual", u"tablas virtuales");
         source |= nombre.compare(u"source"_s, Qt::CaseInsensitive) == 0;
         header |= nombre.compare(u"header"_s, Qt::CaseInsensitive) == 0;
     }
     if (!source) base_.Falla(u"no es un archivo de reporte (le falta la tabla source)"_s);
-    CompruebaColumnas("source", {u"pagina"_s, u"source"_s, u"row"_s, u"contenido"_s, u"fuente"_s, u"fsize"_s,
-                                 u"nrow"_s, u"ncol"_s, u"bold"_s, u"italic"_s});
+    CompruebaColumnas("source", {u"pagina"_s, u"source"_s, u"row"_s, u"contenido"_s, u"fuente"_s, u"fsize"_s, u"nrow"_s,
+                                 u"ncol"_s, u"bold"_s, u"italic"_s});
     // A reader takes a missing header as one page; a header must still be the recorder's.
     if (header) CompruebaColumnas("header", {u"paginas"_s});
 }
@@ -340,7 +360,8 @@ void LectorDeReporte::Examina() {
             primero = false;
         }
     }
-    constexpr const char* kColumnas = "SELECT rowid, pagina, " KALO_ROW ", source, contenido, bold, italic FROM source NOT INDEXED ";
+    constexpr const char* kColumnas =
+        "SELECT rowid, pagina, " KALO_ROW ", source, contenido, bold, italic FROM source NOT INDEXED ";
     if (enOrden_) {
         consulta_ = base_.Prepara((QByteArray(kColumnas) + "WHERE rowid >= ?1 ORDER BY rowid").constData());
         sqlite3_bind_int64(consulta_.get(), 1, proximo_);
@@ -408,7 +429,8 @@ bool LectorDeReporte::Siguiente(Renglon& renglon) {
         return true;
     }
     // Too big: find which row it was without loading it, and go on after it.
-    const auto cual = base_.Prepara("SELECT rowid, " KALO_ROW " FROM source NOT INDEXED WHERE rowid >= ?1 ORDER BY rowid LIMIT 1");
+    const auto cual =
+        base_.Prepara("SELECT rowid, " KALO_ROW " FROM source NOT INDEXED WHERE rowid >= ?1 ORDER BY rowid LIMIT 1");
     sqlite3_bind_int64(cual.get(), 1, proximo_);
     if (base_.Paso(cual.get()) != SQLITE_ROW) base_.Falla(SQLITE_CORRUPT);
     const int64_t rowid = sqlite3_column_int64(cual.get(), 0);

@@ -23,13 +23,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* datos, size_t tamano) {
     const QString archivo = carpeta.filePath(QStringLiteral("entrada.rep"));
     QFile f(archivo);
     Comprueba(f.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
-              f.write(reinterpret_cast<const char*>(datos), static_cast<qint64>(tamano)) == static_cast<qint64>(tamano));
+              f.write(reinterpret_cast<const char*>(datos), static_cast<qint64>(tamano)) ==
+                  static_cast<qint64>(tamano));
     f.close();
     try {
         kalo::LectorDeReporte lector(archivo);
         kalo::LectorDeReporte::Renglon r;
         while (lector.Siguiente(r)) {
-            Comprueba(r.source.size() <= kalo::limite::kComando + 2 && r.contenido.size() <= kalo::limite::kComando + 2);
+            Comprueba(r.source.size() <= kalo::limite::kComando + 2 &&
+                      r.contenido.size() <= kalo::limite::kComando + 2);
             QString error;
             if (r.rechazo.isEmpty() && !kalo::LeeComando(r.source, &error)) Comprueba(!error.isEmpty());
         }

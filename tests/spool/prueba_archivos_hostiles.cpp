@@ -4,11 +4,11 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <gtest/gtest.h>
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 #include "comun/utilerias_de_prueba.h"
 #include "spool/lector.h"
@@ -56,7 +56,8 @@ QStringList Huella(const QString& carpeta) {
 std::vector<std::pair<int64_t, QString>> Lee(LectorDeReporte&& lector) {
     std::vector<std::pair<int64_t, QString>> r;
     LectorDeReporte::Renglon renglon;
-    while (lector.Siguiente(renglon)) r.emplace_back(renglon.row, renglon.rechazo.isEmpty() ? renglon.source : u"rechazo"_s);
+    while (lector.Siguiente(renglon))
+        r.emplace_back(renglon.row, renglon.rechazo.isEmpty() ? renglon.source : u"rechazo"_s);
     return r;
 }
 
@@ -90,7 +91,8 @@ TEST(ArchivosHostiles, LoQueEjecutariaSqlOEstaDanadoSeRechazaConSuMotivo) {
          "WITH RECURSIVE c(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM c) "
          "SELECT 1, randomblob(1000000), x, '', '', 0, 0, 0, 0, 0 FROM c;",
          u"contiene la vista «source»"},
-        {kSource + "CREATE TABLE header( paginas ); CREATE TRIGGER t AFTER INSERT ON header BEGIN DELETE FROM source; END;",
+        {kSource +
+             "CREATE TABLE header( paginas ); CREATE TRIGGER t AFTER INSERT ON header BEGIN DELETE FROM source; END;",
          u"contiene el disparador «t»"},
         {"CREATE VIRTUAL TABLE source USING fts4( pagina, texto, row );", u"contiene la tabla virtual «source»"},
         {"CREATE TABLE source( pagina, source, row, x AS (length(source)) );", u"no tiene las columnas del componente"},
@@ -125,7 +127,7 @@ TEST(ArchivosHostiles, RenglonesGrandesRepetidosOFueraDeOrdenSeLeenPorNumero) {
         for (int row : orden) {
             // Rows 2 and 3 each hold a value too big to load.
             const QByteArray texto = "'CurrentX Fn(\"" + QByteArray::number(row) + "\")'";
-            sql += row == 2 ? Fila(row, texto, "printf('%.*c', 100000, 'x')")
+            sql += row == 2   ? Fila(row, texto, "printf('%.*c', 100000, 'x')")
                    : row == 3 ? Fila(row, "printf('%.*c', 70000, 'y')")
                               : Fila(row, texto);
         }
@@ -149,10 +151,12 @@ TEST(ArchivosHostiles, UnaConsultaQueSePasaDeTrabajoOPideFuncionesSeAbandona) {
     Base(dir.filePath(u"x.rep"_s), sql + "COMMIT;");
     BaseDeLectura base(dir.filePath(u"x.rep"_s));
     // 27 million combinations and no row returned: only the work bound stops it.
-    for (const auto& [consulta, motivo] : {std::pair{"SELECT 1 FROM source a, source b, source c WHERE a.row + b.row + c.row < 0", u"se abandonó"},
-                                           std::pair{"SELECT randomblob(1000000000)", u"no es un archivo de reporte"}}) {
+    for (const auto& [consulta, motivo] :
+         {std::pair{"SELECT 1 FROM source a, source b, source c WHERE a.row + b.row + c.row < 0", u"se abandonó"},
+          std::pair{"SELECT randomblob(1000000000)", u"no es un archivo de reporte"}}) {
         QString descripcion;
-        EXPECT_EQ(NumeroDeError([&] { base.Paso(base.Prepara(consulta).get()); }, descripcion), err::kErrorDeBaseDeDatos);
+        EXPECT_EQ(NumeroDeError([&] { base.Paso(base.Prepara(consulta).get()); }, descripcion),
+                  err::kErrorDeBaseDeDatos);
         EXPECT_TRUE(descripcion.contains(QString::fromUtf16(motivo))) << descripcion.toStdString();
     }
 }

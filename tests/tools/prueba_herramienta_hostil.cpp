@@ -3,9 +3,9 @@
 
 #include <sqlite3.h>
 
+#include <gtest/gtest.h>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 #include "comun/utilerias_de_prueba.h"
 
@@ -35,13 +35,14 @@ TEST(HerramientaHostil, RenglonesRepetidosSeAvisanOSeRechazan) {
     const QString archivo = dir.filePath(u"dos.rep"_s);
     sqlite3* bd = nullptr;
     ASSERT_EQ(sqlite3_open(archivo.toUtf8().constData(), &bd), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(bd,
-                           "CREATE TABLE source( pagina INTEGER, source TEXT, row INTEGER, contenido TEXT, fuente TEXT, "
-                           "fsize REAL, nrow REAL, ncol REAL, bold INTEGER, italic INTEGER ); "
-                           "INSERT INTO source( row, source ) VALUES (1, 'IniciaDocumento'), (2, 'PaginaNueva'), "
-                           "(3, 'FinDocumento'), (1, 'IniciaDocumento'), (2, 'PaginaNueva'), (3, 'FinDocumento');",
-                           nullptr, nullptr, nullptr),
-              SQLITE_OK);
+    EXPECT_EQ(
+        sqlite3_exec(bd,
+                     "CREATE TABLE source( pagina INTEGER, source TEXT, row INTEGER, contenido TEXT, fuente TEXT, "
+                     "fsize REAL, nrow REAL, ncol REAL, bold INTEGER, italic INTEGER ); "
+                     "INSERT INTO source( row, source ) VALUES (1, 'IniciaDocumento'), (2, 'PaginaNueva'), "
+                     "(3, 'FinDocumento'), (1, 'IniciaDocumento'), (2, 'PaginaNueva'), (3, 'FinDocumento');",
+                     nullptr, nullptr, nullptr),
+        SQLITE_OK);
     sqlite3_close(bd);
     const QString pdf = dir.filePath(u"dos.pdf"_s), desorden = u"3 renglones con número repetido y 2 fuera de orden"_s;
     const std::tuple<QStringList, int, QString, QString> casos[] = {
@@ -59,10 +60,12 @@ TEST(HerramientaHostil, RenglonesRepetidosSeAvisanOSeRechazan) {
 
 TEST(HerramientaHostil, ElTextoDelArchivoLlegaEscapadoYLosAvisosSeCuentan) {
     QTemporaryDir dir;
-    QByteArray guion = "IniciaDocumento\n"
-                       "EstableceFuente \"\x1b]0;pwned\x07\xe2\x80\xae\",Fn(\"10\")\n"
-                       "\x1b[2J\x1b[31mBorra\n"
-                       "Say Fn(\"1\"),Fn(\"1\"),\"" + QByteArray(100000, 'x') + "\"\n";
+    QByteArray guion =
+        "IniciaDocumento\n"
+        "EstableceFuente \"\x1b]0;pwned\x07\xe2\x80\xae\",Fn(\"10\")\n"
+        "\x1b[2J\x1b[31mBorra\n"
+        "Say Fn(\"1\"),Fn(\"1\"),\"" +
+        QByteArray(100000, 'x') + "\"\n";
     for (int i = 0; i < 500; ++i) guion += "AbrirCajonDeDinero \"COM1\"\n";
     const QString archivo = kalo::prueba::Escribe(dir.filePath(u"escapes.txt"_s), guion + "FinDocumento\n");
 
