@@ -2,15 +2,9 @@
 
 #include "spool/guion.h"
 
-#include <sqlite3.h>
-
-#include <QFileInfo>
 #include <array>
 #include <charconv>
-#include <span>
 #include <string_view>
-
-#include "spool/conexion.h"
 
 namespace kalo {
 
@@ -43,6 +37,11 @@ constexpr std::array<Forma, 26> kPermitidos{{
     {u"RestauraPapel", ""},     {u"PaperSize", "NNN"},
 }};
 
+// Longest number inside Fn("..."). The closing quote is looked for no further,
+// so that a line full of failed candidates for a quoted text still parses in
+// linear time.
+constexpr qsizetype kCifrasDeFn = 64;
+
 // A plain "."-decimal number, never the locale's form: scripts travel between locales.
 std::optional<double> NumeroDecimal(QStringView t) {
     qsizetype i = 0;
@@ -57,9 +56,9 @@ std::optional<double> NumeroDecimal(QStringView t) {
         else
             return std::nullopt;
     }
-    if (digitos == 0 || t.size() > 64) return std::nullopt;
+    if (digitos == 0 || t.size() > kCifrasDeFn) return std::nullopt;
     // Checked ASCII above, so the digits convert one to one.
-    std::array<char, 64> ascii;
+    std::array<char, kCifrasDeFn> ascii;
     for (qsizetype k = 0; k < t.size(); ++k) ascii[k] = static_cast<char>(t[k].unicode());
     const char* inicio = ascii.data() + (ascii[0] == '+' ? 1 : 0);
     double v = 0;
@@ -109,8 +108,10 @@ private:
         case Clase::Numero: {
             if (!r.startsWith(u"Fn(\""))
                 return Falla(u"el argumento %1 debe ser un número Fn(\"…\")"_s.arg(n));
-            const qsizetype cierre = r.indexOf(u"\")", 4);
-            if (cierre < 0) return Falla(u"Fn sin terminar en el argumento %1"_s.arg(n));
+            const qsizetype cierre = r.left(4 + kCifrasDeFn + 2).indexOf(u"\")", 4);
+            if (cierre < 0 && r.size() <= 4 + kCifrasDeFn + 2)
+                return Falla(u"Fn sin terminar en el argumento %1"_s.arg(n));
+            if (cierre < 0) return Falla(u"el argumento %1 no es un número: %2…"_s.arg(n, r.mid(4, kCifrasDeFn)));
             const auto v = NumeroDecimal(r.mid(4, cierre - 4));
             if (!v) return Falla(u"el argumento %1 no es un número: %2"_s.arg(n, r.mid(4, cierre - 4)));
             valor = Variant(*v);
@@ -164,8 +165,13 @@ private:
         for (qsizetype c = resto_.indexOf(u'"', i + 1); c >= 0; c = resto_.indexOf(u'"', c + 1)) {
             const bool candidato = ultimo ? c + 1 == resto_.size() : c + 1 < resto_.size() && resto_[c + 1] == u',';
             if (!candidato) continue;
-            salida.push_back(Variant(resto_.mid(i + 1, c - i - 1).toString()));
-            if (Lee(c + 1, k + 1, salida)) return true;
+            // The text is copied only once the rest has parsed.
+            salida.emplace_back();
+            const size_t lugar = salida.size() - 1;
+            if (Lee(c + 1, k + 1, salida)) {
+                salida[lugar] = Variant(resto_.mid(i + 1, c - i - 1).toString());
+                return true;
+            }
             salida.pop_back();
         }
         return Falla(u"texto sin cerrar en el argumento %1"_s.arg(k + 1));
@@ -186,6 +192,8 @@ std::optional<Comando> LeeComando(QStringView linea, QString* error) {
         linea.chop(2);
     else if (linea.endsWith(u'\n') || linea.endsWith(u'\r'))
         linea.chop(1);
+    if (linea.size() > limite::kComando)
+        return falla(u"Comando de más de %1 KiB; no se lee"_s.arg(limite::kComando / 1024));
     if (linea.trimmed().isEmpty()) return falla(u"Línea vacía"_s);
 
     const qsizetype espacio = linea.indexOf(u' ');
@@ -214,79 +222,6 @@ std::optional<Comando> LeeComando(QStringView linea, QString* error) {
 
 void EjecutaComando(Objeto& impresora, Comando& c) {
     impresora.InvocaPorNombre(c.palabra, Llamada::Metodo, c.argumentos);
-}
-
-LectorDeReporte::LectorDeReporte(const QString& archivo) : archivo_(archivo) {
-    // Read-only open never creates the file, so a wrong name is reported, not made.
-    if (!QFileInfo(archivo).isFile())
-        throw ErrorDeAutomatizacion(err::kArchivoNoEncontrado,
-                                    u"No se encuentra el archivo de reporte: "_s + archivo, u"LectorDeReporte"_s);
-    if (sqlite3_open_v2(archivo.toUtf8().constData(), &bd_, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK)
-        Falla(u"no se puede abrir"_s);
-    // Rows are read once, front to back: a large page cache would only grow
-    // with the file.
-    sqlite3_exec(bd_, "PRAGMA cache_size = -256", nullptr, nullptr, nullptr);
-    // In row order, not pagina: a file holding several documents restarts
-    // pagina at 1. The recorder writes rows in order, so the table's own
-    // order usually is row order and reading needs no sort (the sort would
-    // hold rows back and grow with the file); only a file whose rows were
-    // written out of order is sorted.
-    const char* enOrden = "SELECT pagina, row, source, contenido, bold, italic FROM source ORDER BY rowid";
-    const char* ordenado = "SELECT pagina, row, source, contenido, bold, italic FROM source ORDER BY row";
-    sqlite3_stmt* prueba = nullptr;
-    int rc = sqlite3_prepare_v2(bd_,
-                                "SELECT EXISTS (SELECT 1 FROM (SELECT row, lag(row) OVER (ORDER BY rowid) AS previo "
-                                "FROM source) WHERE row < previo)",
-                                -1, &prueba, nullptr);
-    bool desordenado = true;
-    if (rc == SQLITE_OK) {
-        rc = sqlite3_step(prueba);
-        if (rc == SQLITE_ROW) desordenado = sqlite3_column_int(prueba, 0) != 0;
-        rc = rc == SQLITE_ROW ? SQLITE_OK : rc;
-    }
-    sqlite3_finalize(prueba);
-    if (rc == SQLITE_OK) rc = sqlite3_prepare_v2(bd_, desordenado ? ordenado : enOrden, -1, &consulta_, nullptr);
-    if (rc == SQLITE_NOTADB) Falla(u"no es un archivo de reporte"_s);
-    if (rc != SQLITE_OK) Falla(u"no es un archivo de reporte (le falta la tabla source)"_s);
-}
-
-LectorDeReporte::~LectorDeReporte() {
-    sqlite3_finalize(consulta_);
-    sqlite3_close(bd_);
-}
-
-void LectorDeReporte::Falla(const QString& que) const {
-    const QString detalle = bd_ ? QString::fromUtf8(sqlite3_errmsg(bd_)) : QString();
-    QString mensaje = u"El archivo "_s + archivo_ + u' ' + que;
-    if (!detalle.isEmpty()) mensaje += u" ("_s + detalle + u')';
-    // The constructor may fail half-way; the destructor will not run then.
-    sqlite3_finalize(consulta_);
-    sqlite3_close(bd_);
-    const_cast<LectorDeReporte*>(this)->consulta_ = nullptr;
-    const_cast<LectorDeReporte*>(this)->bd_ = nullptr;
-    throw ErrorDeAutomatizacion(err::kErrorDeBaseDeDatos, mensaje, u"LectorDeReporte"_s);
-}
-
-bool LectorDeReporte::Siguiente(Renglon& renglon) {
-    if (terminado_ || !consulta_) return false;
-    const int rc = sqlite3_step(consulta_);
-    if (rc == SQLITE_DONE) {
-        terminado_ = true;
-        return false;
-    }
-    if (rc != SQLITE_ROW) {
-        terminado_ = true;
-        Falla(u"está dañado"_s);
-    }
-    renglon.pagina = sqlite3_column_int64(consulta_, 0);
-    renglon.row = sqlite3_column_int64(consulta_, 1);
-    const auto* texto = reinterpret_cast<const char*>(sqlite3_column_text(consulta_, 2));
-    renglon.source = texto ? QString::fromUtf8(texto, sqlite3_column_bytes(consulta_, 2)) : QString();
-    const auto* contenido = reinterpret_cast<const char*>(sqlite3_column_text(consulta_, 3));
-    renglon.contenido = contenido ? QString::fromUtf8(contenido, sqlite3_column_bytes(consulta_, 3)) : QString();
-    renglon.bold = sqlite3_column_int64(consulta_, 4) != 0;
-    renglon.italic = sqlite3_column_int64(consulta_, 5) != 0;
-    return true;
 }
 
 }  // namespace kalo

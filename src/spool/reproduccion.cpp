@@ -31,16 +31,20 @@ public:
         linea.contenido = std::move(renglon_.contenido);
         linea.negrita = renglon_.bold;
         linea.cursiva = renglon_.italic;
+        linea.rechazo = std::move(renglon_.rechazo);
         return true;
     }
     bool EsReporte() const override { return true; }
+    int64_t Repetidos() const override { return lector_.Repetidos(); }
+    int64_t FueraDeOrden() const override { return lector_.FueraDeOrden(); }
 
 private:
     LectorDeReporte lector_;
     LectorDeReporte::Renglon renglon_;
 };
 
-// Line by line, so a long script is never held whole.
+// Line by line, so a long script is never held whole; nor is a long line:
+// one above the command limit is skipped unread.
 class FuenteDeTexto final : public FuenteDeGuion {
 public:
     explicit FuenteDeTexto(const QString& archivo) : FuenteDeGuion(archivo), fichero_(archivo) {
@@ -51,8 +55,18 @@ public:
     bool Siguiente(LineaDeGuion& linea) override {
         for (;;) {
             if (fichero_.atEnd()) return false;
-            const QByteArray bytes = fichero_.readLine();
+            QByteArray bytes = fichero_.readLine(limite::kComando + 2);
             ++numero_;
+            const bool completa = bytes.endsWith('\n') || fichero_.atEnd();
+            if (bytes.endsWith('\n')) bytes.chop(bytes.endsWith("\r\n") ? 2 : 1);
+            if (!completa || bytes.size() > limite::kComando) {
+                while (!completa && !fichero_.atEnd() && !fichero_.readLine(limite::kComando).endsWith('\n')) {
+                }
+                linea = {};
+                linea.renglon = numero_;
+                linea.rechazo = u"la línea tiene más de %1 KiB; se omite"_s.arg(limite::kComando / 1024);
+                return true;
+            }
             if (bytes.contains('\0')) NoEsGuion();
             QString texto = decodificador_(bytes);
             if (decodificador_.hasError()) NoEsGuion();
@@ -93,13 +107,13 @@ struct Paginacion {
     // Before the command runs; true when it begins a page.
     bool Avanza(const QString& palabra) {
         if (Es(palabra, u"IniciaDocumento")) {
-            ++documento;
+            documento += documento < INT_MAX;
             pagina = 1;
             dentro = true;
             return true;
         }
         if (dentro && Es(palabra, u"PaginaNueva")) {
-            ++pagina;
+            pagina += pagina < INT_MAX;
             return true;
         }
         return false;
@@ -203,8 +217,8 @@ ResultadoDeReproduccion Reproduce(FuenteDeGuion& fuente, const std::shared_ptr<O
     suprime(true);
 
     while (fuente.Siguiente(linea)) {
-        QString error;
-        std::optional<Comando> c = LeeComando(linea.texto, &error);
+        QString error = linea.rechazo;
+        std::optional<Comando> c = error.isEmpty() ? LeeComando(linea.texto, &error) : std::nullopt;
         if (!c) {
             ++resultado.malFormadas;
             incide(Incidencia::Tipo::MalFormada, error);
@@ -261,11 +275,12 @@ ResumenDeGuion Resume(FuenteDeGuion& fuente) {
     Paginacion pag;
     LineaDeGuion linea;
     while (fuente.Siguiente(linea)) {
-        QString error;
-        const std::optional<Comando> c = LeeComando(linea.texto, &error);
+        QString error = linea.rechazo;
+        const std::optional<Comando> c = error.isEmpty() ? LeeComando(linea.texto, &error) : std::nullopt;
         if (!c) {
-            resumen.malFormadas.push_back(
-                {Incidencia::Tipo::MalFormada, pag.documento, pag.pagina, linea.renglon, error});
+            if (++resumen.totalMalFormadas <= limite::kMensajes)
+                resumen.malFormadas.push_back(
+                    {Incidencia::Tipo::MalFormada, pag.documento, pag.pagina, linea.renglon, error});
             continue;
         }
         if (pag.Avanza(c->palabra)) {
@@ -276,10 +291,17 @@ ResumenDeGuion Resume(FuenteDeGuion& fuente) {
         }
         ++resumen.comandos;
         ++resumen.porComando[c->palabra];
-        if (Es(c->palabra, u"EstableceFuente"))
-            resumen.fuentes.emplace(c->argumentos[0].texto(), c->argumentos[1].doble());
+        if (Es(c->palabra, u"EstableceFuente")) {
+            std::pair<QString, double> nombreYTamano{c->argumentos[0].texto(), c->argumentos[1].doble()};
+            if (resumen.fuentes.size() < limite::kMensajes)
+                resumen.fuentes.insert(std::move(nombreYTamano));
+            else
+                resumen.masFuentes |= !resumen.fuentes.contains(nombreYTamano);
+        }
         if (Es(c->palabra, u"FinDocumento")) pag.dentro = false;
     }
+    resumen.repetidos = fuente.Repetidos();
+    resumen.fueraDeOrden = fuente.FueraDeOrden();
     return resumen;
 }
 

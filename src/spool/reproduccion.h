@@ -20,6 +20,11 @@
 
 namespace kalo {
 
+namespace limite {
+// Messages about bad rows kept or shown; past these they are only counted.
+inline constexpr int kMensajes = 100;
+}  // namespace limite
+
 struct LineaDeGuion {
     int64_t renglon = 0;  // the spool file's row, or the text file's line number
     QString texto;
@@ -28,6 +33,8 @@ struct LineaDeGuion {
     QString contenido;
     bool negrita = false;
     bool cursiva = false;
+    // Not empty for a row or line left unread (longer than a command): why.
+    QString rechazo;
 };
 
 class FuenteDeGuion {
@@ -36,6 +43,10 @@ public:
     // False at the end. A file damaged mid-way raises ErrorDeAutomatizacion.
     virtual bool Siguiente(LineaDeGuion& linea) = 0;
     virtual bool EsReporte() const = 0;
+    // A spool file's rows whose number repeats another's, or is lower than
+    // that of a row recorded before it; they are read in number order.
+    virtual int64_t Repetidos() const { return 0; }
+    virtual int64_t FueraDeOrden() const { return 0; }
     const QString& Archivo() const { return archivo_; }
 
 protected:
@@ -45,7 +56,8 @@ protected:
 
 // A spool file (told by its content, not its name) or a UTF-8 text file with
 // one command per line. Raises 53 when missing, err::kErrorDeBaseDeDatos when it is
-// neither (a database without the source table, a binary file).
+// neither (a database without the source table, a binary file) or when the
+// spool file is damaged or holds anything but the recorder's tables.
 std::unique_ptr<FuenteDeGuion> AbreGuion(const QString& archivo);
 
 // Which pages come out: of every document, or of one (counted from 1), and
@@ -82,8 +94,8 @@ struct OpcionesDeReproduccion {
 struct ResultadoDeReproduccion {
     int paginasEmitidas = 0;
     int64_t comandos = 0;
-    int malFormadas = 0;
-    int errores = 0;
+    int64_t malFormadas = 0;
+    int64_t errores = 0;
     bool abortada = false;  // strict mode stopped it; nothing was delivered
 };
 
@@ -101,11 +113,15 @@ struct ResumenDeGuion {
     std::vector<int> paginasPorDocumento;
     int64_t comandos = 0;
     std::map<QString, int64_t> porComando;
-    std::set<std::pair<QString, double>> fuentes;  // name, size
-    std::vector<Incidencia> malFormadas;
+    std::set<std::pair<QString, double>> fuentes;  // name, size: the first limite::kMensajes
+    bool masFuentes = false;                       // and there were others
+    std::vector<Incidencia> malFormadas;           // the first limite::kMensajes
+    int64_t totalMalFormadas = 0;
+    int64_t repetidos = 0;  // as FuenteDeGuion counts them
+    int64_t fueraDeOrden = 0;
 };
 
-// One pass over the script, nothing drawn.
+// One pass over the script, nothing drawn; memory does not grow with it.
 ResumenDeGuion Resume(FuenteDeGuion& fuente);
 
 }  // namespace kalo

@@ -1,6 +1,7 @@
 #include "target/impresora_de_imagenes.h"
 #include "runtime/unidades.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -9,6 +10,14 @@
 namespace kalo {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+// A page image's longest side and its most pixels (1 GiB at 4 bytes each):
+// a Letter page at 1200 dpi fits, a sheet asked for by a hostile script does
+// not, and memory is refused before it is touched.
+constexpr double kLadoMaximo = 1 << 16;
+constexpr double kPixelesMaximos = 1 << 28;
+}  // namespace
 
 ImpresoraDeImagenes::ImpresoraDeImagenes(int puntosPorPulgada, EntregaDePagina entrega)
     : ImpresoraComun(u"Imágenes (KaloImpresora)"_s),
@@ -34,12 +43,16 @@ void ImpresoraDeImagenes::CambiaHoja(const QPageSize& hoja, QPageLayout::Orienta
 // The whole sheet as it lies, from its size in twips so that a sheet
 // defined in millimetres is not first rounded to whole points.
 QSize ImpresoraDeImagenes::AreaDibujable() const {
-    return {static_cast<int>(std::lround(Width() * ppp_ / kTwipsPorPulgada)),
-            static_cast<int>(std::lround(Height() * ppp_ / kTwipsPorPulgada))};
+    auto lado = [&](int32_t twips) {
+        return static_cast<int>(std::lround(std::clamp(twips * ppp_ / kTwipsPorPulgada, 1.0, kLadoMaximo)));
+    };
+    return {lado(Width()), lado(Height())};
 }
 
 void ImpresoraDeImagenes::ComienzaPagina() {
-    QImage pagina(AreaDibujable(), QImage::Format_RGB32);
+    const QSize area = AreaDibujable();
+    if (static_cast<double>(area.width()) * area.height() > kPixelesMaximos) Lanza(err::kErrorDeImpresora);
+    QImage pagina(area, QImage::Format_RGB32);
     if (pagina.isNull()) Lanza(err::kErrorDeImpresora);  // more than memory allows
     // The image's own resolution is the one QPainter sizes fonts with.
     const int puntosPorMetro = static_cast<int>(std::lround(ppp_ / 0.0254));

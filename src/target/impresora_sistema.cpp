@@ -1,5 +1,7 @@
 #include "target/impresora_sistema.h"
 
+#include <algorithm>
+
 #include <cups/cups.h>
 
 #include <QDateTime>
@@ -136,7 +138,8 @@ void ImpresoraDelSistema::CambiaHoja(const QPageSize& hoja, QPageLayout::Orienta
 
 QSize ImpresoraDelSistema::AreaDibujable() const {
     const QRectF area = impresora_->pageRect(QPrinter::DevicePixel);
-    return {qRound(area.width()), qRound(area.height())};
+    auto lado = [](double px) { return qRound(std::clamp(px, 1.0, double(1 << 30))); };
+    return {lado(area.width()), lado(area.height())};
 }
 
 double ImpresoraDelSistema::Resolucion() const { return impresora_->resolution(); }

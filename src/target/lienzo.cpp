@@ -15,6 +15,22 @@ namespace {
 
 constexpr double kDosPi = 2 * std::numbers::pi;
 
+// How far from the device's origin output may reach, in pixels: far beyond
+// any sheet at any resolution, and far enough inside int that the sums and
+// differences of the drawing code cannot overflow.
+constexpr double kAlcance = 1 << 24;
+
+// Beyond that the runtime's coordinates overflow, and so do these.
+QPointF Alcanzable(QPointF p) {
+    if (!(std::abs(p.x()) <= kAlcance && std::abs(p.y()) <= kAlcance)) Lanza(err::kDesbordamiento);
+    return p;
+}
+
+double Alcanzable(double largo) {
+    if (!(std::abs(largo) <= kAlcance)) Lanza(err::kDesbordamiento);
+    return largo;
+}
+
 // The pixel that holds a point; the small bias keeps 95.9999999 (a whole
 // inch through a user scale) on pixel 96.
 QPoint Celda(QPointF p) {
@@ -288,7 +304,7 @@ void Lienzo::Print(const QString& texto, bool saltoDeLinea) {
     QPainter* p = PreparaPintor(tinta_);
     if (p) AplicaFuente(*p);
     PorLinea(texto, [&](QStringView linea, bool ultima) {
-        const QPointF origen = APixeles(x_, y_);
+        const QPointF origen = Alcanzable(APixeles(x_, y_));
         const bool seguido = ultima && !saltoDeLinea;
         // Measuring costs about as much as drawing: only when it is needed.
         double anchoPx = 0;
@@ -323,14 +339,14 @@ void Lienzo::Line(int16_t banderas, double x1, double y1, double x2, double y2, 
         bx += ax;
         by += ay;
     }
+    const QPoint a = Celda(Alcanzable(APixeles(ax, ay)));
+    const QPoint b = Celda(Alcanzable(APixeles(bx, by)));
     x_ = bx;
     y_ = by;
 
     const QColor c = (banderas & trazo::kConColor) ? ColorDe(color) : tinta_;
     QPainter* p = PreparaPintor(c);
     if (!p) return;
-    const QPoint a = Celda(APixeles(ax, ay));
-    const QPoint b = Celda(APixeles(bx, by));
     if (banderas & (trazo::kCaja | trazo::kCajaLlena)) {
         const int l = std::min(a.x(), b.x()), r = std::max(a.x(), b.x());
         const int t = std::min(a.y(), b.y()), d = std::max(a.y(), b.y());
@@ -353,6 +369,8 @@ void Lienzo::Circle(int16_t banderas, double x, double y, double radio, int32_t 
     const bool conFin = banderas & arco::kConFin;
     if ((conInicio && std::abs(inicio) > kDosPi + 1e-9) || (conFin && std::abs(fin) > kDosPi + 1e-9))
         Lanza(err::kLlamadaNoValida);
+    const QPoint centro = Celda(Alcanzable(APixeles(x, y)));
+    const double r = std::abs(Alcanzable(AnchoEnPixeles(radio)));
     x_ = x;
     y_ = y;
 
@@ -362,7 +380,6 @@ void Lienzo::Circle(int16_t banderas, double x, double y, double radio, int32_t 
 
     // The radius is measured across; down it covers the same physical length,
     // and the aspect shortens whichever axis is not the longer one.
-    const double r = std::abs(AnchoEnPixeles(radio));
     double rx = r, ry = r * pppY_ / pppX_;
     const double a = (banderas & arco::kConAspecto) ? std::abs(aspecto) : 1.0;
     if (a <= 1) {
@@ -370,7 +387,6 @@ void Lienzo::Circle(int16_t banderas, double x, double y, double radio, int32_t 
     } else {
         rx /= a;
     }
-    const QPoint centro = Celda(APixeles(x, y));
     const QRectF caja(centro.x() - rx, centro.y() - ry, 2 * rx, 2 * ry);
     if (!conInicio && !conFin) {
         p->drawEllipse(caja);
@@ -393,10 +409,10 @@ void Lienzo::Circle(int16_t banderas, double x, double y, double radio, int32_t 
 
 void Lienzo::PaintPicture(const QImage& imagen, double x, double y, double ancho, double alto) {
     if (imagen.isNull()) return;
+    const QPoint a = Celda(Alcanzable(APixeles(x, y)));
+    const QPoint b = Celda(Alcanzable(APixeles(x + ancho, y + alto)));
     QPainter* p = Pintor();
     if (!p) return;
-    const QPoint a = Celda(APixeles(x, y));
-    const QPoint b = Celda(APixeles(x + ancho, y + alto));
     const QRect destino(QPoint(std::min(a.x(), b.x()), std::min(a.y(), b.y())),
                         QSize(std::abs(b.x() - a.x()), std::abs(b.y() - a.y())));
     if (destino.isEmpty()) return;

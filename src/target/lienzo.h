@@ -16,7 +16,8 @@
 // changes size or resolution (a resized box, another paper), call
 // CambiaDispositivo.
 //
-// Invalid property values raise ErrorDeAutomatizacion 380, as the runtime does.
+// Invalid property values raise ErrorDeAutomatizacion 380, as the runtime does;
+// output reaching further than 2^24 pixels from the origin raises 6, overflow.
 
 #include <QColor>
 #include <QFont>

@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QImage>
 #include <QPrinterInfo>
+#include <climits>
 #include <cstdio>
 #include <deque>
 #include <memory>
@@ -41,7 +42,8 @@ los mismos comandos, uno por línea.
       --png CARPETA            Una imagen PNG por página en CARPETA.
       --resolucion PPP         Puntos por pulgada de las imágenes (150).
       --estricto               Rechaza el archivo entero si un renglón está mal
-                               formado o un comando falla; no imprime nada.
+                               formado, un comando falla o hay renglones con
+                               número repetido o fuera de orden; no imprime nada.
     Sin destino, a la impresora actual (o a PDF en la carpeta de impresos).
   impresoras                   Las impresoras que ve el componente, «*» la actual,
                                y las formas de papel definidas en cada una.
@@ -58,13 +60,25 @@ pero no cambia el destino. En un archivo de reporte, FuenteTransparente se
 ignora (siempre se graba como False) y Say, FontBold y FontItalic toman de sus
 columnas el texto y el valor que se dieron de verdad.
 
-Los renglones mal formados se omiten con un aviso (salvo con --estricto).
+Los renglones mal formados se omiten con un aviso (salvo con --estricto); de
+los avisos se muestran los primeros 100 y de los demás solo cuántos son.
+
+Un archivo de otra procedencia se lee sin escribir nada a su lado ni ejecutar
+nada de lo que contenga: se rechaza si tiene vistas, disparadores o tablas
+virtuales, si sus tablas source y header no son las del componente o si está
+dañado. Un
+comando de más de 64 KiB (una línea, o el texto de un renglón) se omite como
+mal formado. Los renglones con número repetido o fuera de orden se leen por
+número, con un aviso (con --estricto, el archivo se rechaza). Los caracteres de
+control del archivo se muestran escapados (\x1B).
 
 Códigos de salida:
   0  bien (aunque se hayan omitido renglones con aviso)
   1  orden u opción desconocida, o lista de páginas no válida
-  2  el archivo no existe, no se puede leer o no es un archivo de reporte ni un guion
-  3  con --estricto: renglón mal formado o comando fallido; nada se imprimió
+  2  el archivo no existe, no se puede leer, está dañado o no es un archivo de
+     reporte ni un guion (o lo que contiene no se permite)
+  3  con --estricto: renglón mal formado, comando fallido o renglones repetidos
+     o fuera de orden; nada se imprimió
   4  la impresora no existe o no se pudo escribir la salida
   5  la selección no tiene ninguna página
 )";
@@ -72,6 +86,29 @@ Códigos de salida:
 void Escribe(FILE* f, const QString& texto) {
     const QByteArray b = texto.toLocal8Bit();
     std::fwrite(b.constData(), 1, b.size(), f);
+}
+
+// Text from a file, fit for a terminal: control characters (an escape
+// sequence could retitle or reprogram it) and the invisible ones that reorder
+// text are written as \xHH or \uHHHH, and a long text is cut.
+QString Legible(QStringView texto, qsizetype maximo = 300) {
+    QString r;
+    r.reserve(std::min(texto.size(), maximo) + 8);
+    for (qsizetype i = 0; i < texto.size(); ++i) {
+        if (r.size() >= maximo) {
+            if (r.back().isHighSurrogate()) r.chop(1);
+            return r + u'…';
+        }
+        const char16_t c = texto[i].unicode();
+        if (c < 0x20 || (c >= 0x7F && c < 0xA0))
+            r += u"\\x"_s + QString::number(c, 16).toUpper().rightJustified(2, u'0');
+        else if (c == 0x200E || c == 0x200F || (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) ||
+                 c == 0x2028 || c == 0x2029)
+            r += u"\\u"_s + QString::number(c, 16).toUpper();
+        else
+            r += texto[i];
+    }
+    return r;
 }
 
 int Falla(int codigo, const QString& mensaje) {
@@ -84,12 +121,36 @@ int Uso(const QString& mensaje) {
 }
 
 QString Lugar(const QString& archivo, const Incidencia& i) {
-    QString lugar = archivo + u": "_s;
+    QString lugar = Legible(archivo) + u": "_s;
     if (i.documento == 0)
         lugar += u"antes del primer documento"_s;
     else
         lugar += u"documento %1, página %2"_s.arg(i.documento).arg(i.pagina);
     return lugar + u", renglón %1: "_s.arg(i.renglon);
+}
+
+// Messages about a file's rows: the first limite::kMensajes, then only counted.
+class Avisos {
+public:
+    explicit Avisos(const QString& archivo) : archivo_(archivo) {}
+    ~Avisos() {
+        if (total_ > limite::kMensajes)
+            Escribe(stderr, u"kaloimpresora: %1: %2 avisos más que no se muestran\n"_s.arg(Legible(archivo_))
+                                .arg(total_ - limite::kMensajes));
+    }
+    void Muestra(const Incidencia& i, const QString& tipo = {}) {
+        if (++total_ <= limite::kMensajes) Escribe(stderr, Lugar(archivo_, i) + tipo + Legible(i.mensaje) + u'\n');
+    }
+    // Some that were never kept.
+    void Cuenta(int64_t mas) { total_ += mas; }
+
+private:
+    QString archivo_;
+    int64_t total_ = 0;
+};
+
+QString Desorden(const ResumenDeGuion& r) {
+    return u"%1 renglones con número repetido y %2 fuera de orden"_s.arg(r.repetidos).arg(r.fueraDeOrden);
 }
 
 // The file's own failures (missing, not a spool file) exit 2.
@@ -100,7 +161,7 @@ int ConArchivo(const QString& archivo, F&& trabajo) {
     } catch (const ErrorDeAutomatizacion& e) {
         const bool delArchivo = e.numero() == err::kArchivoNoEncontrado || e.numero() == err::kAccesoARutaOArchivo ||
                                 e.numero() == err::kErrorDeBaseDeDatos;
-        return Falla(delArchivo ? salida::kArchivo : salida::kDestino, e.descripcion());
+        return Falla(delArchivo ? salida::kArchivo : salida::kDestino, Legible(e.descripcion(), 1000));
     }
 }
 
@@ -163,10 +224,10 @@ private:
 };
 
 int CuentaSeleccionadas(const ResumenDeGuion& r, const SeleccionDePaginas& s) {
-    int n = 0;
+    int64_t n = 0;
     for (size_t d = 0; d < r.paginasPorDocumento.size(); ++d)
-        for (int p = 1; p <= r.paginasPorDocumento[d]; ++p) n += s.Incluye(static_cast<int>(d) + 1, p);
-    return n;
+        for (int p = 1; p <= r.paginasPorDocumento[d]; ++p) n += s.Incluye(static_cast<int>(std::min<size_t>(d + 1, INT_MAX)), p);
+    return static_cast<int>(std::min<int64_t>(n, INT_MAX));
 }
 
 QString NombreDePng(const QString& carpeta, bool variosDocumentos, int documento, int pagina) {
@@ -211,15 +272,22 @@ int Imprime(const QStringList& args) {
         // A first pass, cheap beside drawing: a bad file is refused before
         // anything prints, and the totals feed the progress line and the names.
         const ResumenDeGuion resumen = Resume(*AbreGuion(archivo));
-        if (opciones.estricto && !resumen.malFormadas.empty()) {
-            for (const Incidencia& i : resumen.malFormadas) Escribe(stderr, Lugar(archivo, i) + i.mensaje + u'\n');
-            return Falla(salida::kMalFormado,
-                         u"%1: %2 renglones mal formados; no se imprimió nada"_s.arg(archivo).arg(
-                             resumen.malFormadas.size()));
+        const bool desordenado = resumen.repetidos > 0 || resumen.fueraDeOrden > 0;
+        if (opciones.estricto && (resumen.totalMalFormadas > 0 || desordenado)) {
+            {
+                Avisos avisos(archivo);
+                for (const Incidencia& i : resumen.malFormadas) avisos.Muestra(i);
+                avisos.Cuenta(resumen.totalMalFormadas - static_cast<int64_t>(resumen.malFormadas.size()));
+            }
+            const QString que = desordenado ? Desorden(resumen) : u"%1 renglones mal formados"_s.arg(resumen.totalMalFormadas);
+            return Falla(salida::kMalFormado, u"%1: %2; no se imprimió nada"_s.arg(Legible(archivo), que));
         }
+        if (desordenado)
+            Escribe(stderr, u"kaloimpresora: %1: aviso: %2; se imprimen en orden de número\n"_s.arg(Legible(archivo),
+                                                                                                  Desorden(resumen)));
         const int seleccionadas = CuentaSeleccionadas(resumen, opciones.seleccion);
         if (seleccionadas == 0)
-            return Falla(salida::kSinPaginas, u"%1: la selección no tiene ninguna página"_s.arg(archivo));
+            return Falla(salida::kSinPaginas, u"%1: la selección no tiene ninguna página"_s.arg(Legible(archivo)));
 
         AseguraAplicacion();
         std::shared_ptr<Objeto> impresora;
@@ -256,25 +324,27 @@ int Imprime(const QStringList& args) {
         Progreso progreso(seleccionadas);
         int emitidas = 0;
         opciones.alEmitirPagina = [&](int doc, int pag) {
-            pendientes.emplace_back(doc, pag);
+            if (!carpetaPng.isEmpty()) pendientes.emplace_back(doc, pag);
             progreso.Pagina(++emitidas);
         };
+        Avisos avisos(archivo);
         opciones.alIncidir = [&](const Incidencia& i) {
             const QString tipo = i.tipo == Incidencia::Tipo::MalFormada ? u"renglón omitido: "_s
                                  : i.tipo == Incidencia::Tipo::Aviso    ? u"aviso: "_s
                                                                         : QString();
             progreso.Limpia();
-            Escribe(stderr, Lugar(archivo, i) + tipo + i.mensaje + u'\n');
+            avisos.Muestra(i, tipo);
         };
         auto fuente = AbreGuion(archivo);
         const ResultadoDeReproduccion r = Reproduce(*fuente, impresora, opciones);
         progreso.Limpia();
-        if (r.abortada) return Falla(salida::kMalFormado, u"%1: se detuvo; no se imprimió nada"_s.arg(archivo));
+        if (r.abortada)
+            return Falla(salida::kMalFormado, u"%1: se detuvo; no se imprimió nada"_s.arg(Legible(archivo)));
         if (r.paginasEmitidas == 0)
-            return Falla(salida::kSinPaginas, u"%1: la selección no tiene ninguna página"_s.arg(archivo));
+            return Falla(salida::kSinPaginas, u"%1: la selección no tiene ninguna página"_s.arg(Legible(archivo)));
         if (fallaPng) return Falla(salida::kDestino, u"No se escribieron todas las imágenes en %1"_s.arg(carpetaPng));
 
-        QString hecho = u"%1: %2 página(s)"_s.arg(archivo).arg(r.paginasEmitidas);
+        QString hecho = u"%1: %2 página(s)"_s.arg(Legible(archivo)).arg(r.paginasEmitidas);
         if (!carpetaPng.isEmpty()) {
             hecho += u" en %1 imágenes en %2"_s.arg(escritas).arg(carpetaPng);
         } else {
@@ -323,9 +393,9 @@ int Resumen(const QStringList& args) {
     return ConArchivo(archivo, [&] {
         auto fuente = AbreGuion(archivo);
         const ResumenDeGuion r = Resume(*fuente);
-        QString t = u"Archivo: %1 (%2)\n"_s.arg(archivo, fuente->EsReporte() ? u"archivo de reporte"_s
-                                                                              : u"guion de texto"_s);
-        int paginas = 0;
+        QString t = u"Archivo: %1 (%2)\n"_s.arg(Legible(archivo), fuente->EsReporte() ? u"archivo de reporte"_s
+                                                                                       : u"guion de texto"_s);
+        int64_t paginas = 0;
         for (int p : r.paginasPorDocumento) paginas += p;
         t += u"Documentos: %1\n"_s.arg(r.paginasPorDocumento.size());
         for (size_t d = 0; d < r.paginasPorDocumento.size(); ++d)
@@ -333,10 +403,17 @@ int Resumen(const QStringList& args) {
         t += u"Páginas: %1\n"_s.arg(paginas);
         t += u"Comandos: %1\n"_s.arg(r.comandos);
         for (const auto& [palabra, veces] : r.porComando) t += u"  %1 %2\n"_s.arg(palabra + u':', -20).arg(veces);
-        t += u"Fuentes: %1\n"_s.arg(r.fuentes.size());
-        for (const auto& [nombre, tamano] : r.fuentes) t += u"  %1 %2\n"_s.arg(nombre, Numero(tamano));
-        t += u"Renglones mal formados: %1\n"_s.arg(r.malFormadas.size());
-        for (const Incidencia& i : r.malFormadas) t += u"  "_s + Lugar(archivo, i) + i.mensaje + u'\n';
+        t += u"Fuentes: %1%2\n"_s.arg(r.fuentes.size()).arg(
+            r.masFuentes ? u" (y otras que no se muestran)"_s : QString());
+        for (const auto& [nombre, tamano] : r.fuentes) t += u"  %1 %2\n"_s.arg(Legible(nombre, 100), Numero(tamano));
+        t += u"Renglones mal formados: %1\n"_s.arg(r.totalMalFormadas);
+        for (const Incidencia& i : r.malFormadas) t += u"  "_s + Lugar(archivo, i) + Legible(i.mensaje) + u'\n';
+        if (r.totalMalFormadas > static_cast<int64_t>(r.malFormadas.size()))
+            t += u"  … y %1 más que no se muestran\n"_s.arg(r.totalMalFormadas - static_cast<int64_t>(r.malFormadas.size()));
+        if (fuente->EsReporte()) {
+            t += u"Renglones con número repetido: %1\n"_s.arg(r.repetidos);
+            t += u"Renglones fuera de orden: %1\n"_s.arg(r.fueraDeOrden);
+        }
         Escribe(stdout, t);
         return salida::kBien;
     });
