@@ -23,6 +23,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 enum class Motor { Sqlite, Postgres };
+void PrintTo(Motor m, std::ostream* os) { *os << (m == Motor::Sqlite ? "SQLite" : "PostgreSQL"); }
 
 // rs(indice): the field; its value through its default member.
 Variant Valor(Objeto& rs, Variant indice) {
@@ -278,8 +279,11 @@ TEST_P(Datos, RstAbreLaConsultaConLasUtileriasDelComponente) {
               err::kObjetoNoEstablecido);
 }
 
-INSTANTIATE_TEST_SUITE_P(Sqlite, Datos, ::testing::Values(Motor::Sqlite));
-INSTANTIATE_TEST_SUITE_P(Postgres, Datos, ::testing::Values(Motor::Postgres));
+const auto kNombreDelMotor = [](const ::testing::TestParamInfo<Motor>& i) {
+    return std::string(i.param == Motor::Sqlite ? "SQLite" : "PostgreSQL");
+};
+INSTANTIATE_TEST_SUITE_P(Sqlite, Datos, ::testing::Values(Motor::Sqlite), kNombreDelMotor);
+INSTANTIATE_TEST_SUITE_P(Postgres, Datos, ::testing::Values(Motor::Postgres), kNombreDelMotor);
 
 // ---- Without a database -------------------------------------------------------
 
