@@ -379,8 +379,10 @@ KaloResultado kalo_invoca(KaloObjeto* objeto, int32_t dispid, uint16_t llamada, 
         // status; the member table still raises the runtime's error for them.
         KaloResultado anticipado = KALO_S_OK;
         bool hayPorReferencia = true;
-        if (const InformacionDeTipo* info = objeto->objeto->Describe()) {
-            const DescripcionDeMiembro* m = InformacionDe(*info).porId.value(dispid, nullptr);
+        const InformacionDeTipo* info = objeto->objeto->Describe();
+        const DescripcionDeMiembro* m = nullptr;
+        if (info) {
+            m = InformacionDe(*info).porId.value(dispid, nullptr);
             anticipado = Anticipa(m, tipo, cuantos);
             hayPorReferencia = m && std::any_of(m->parametros.begin(), m->parametros.end(),
                                                 [](const Parametro& p) { return p.porReferencia; });
@@ -394,7 +396,12 @@ KaloResultado kalo_invoca(KaloObjeto* objeto, int32_t dispid, uint16_t llamada, 
         try {
             r = objeto->objeto->Invoca(dispid, tipo, std::span<Variant>(valores.data(), valores.size()));
         } catch (const ErrorDeAutomatizacion& e) {
-            LlenaError(error, e);
+            // A host in C has no call stack of ours to look at: say which member failed.
+            if (e.origen().isEmpty() && m)
+                LlenaError(error, ErrorDeAutomatizacion(e.numero(), e.descripcion(),
+                                                        info->nombreDeClase + u'.' + m->nombre));
+            else
+                LlenaError(error, e);
             return anticipado != KALO_S_OK ? anticipado : KALO_DISP_E_EXCEPTION;
         }
         for (qsizetype i = 0; i < antes.size(); ++i) {
