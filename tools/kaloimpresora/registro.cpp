@@ -2,7 +2,6 @@
 
 #include <dlfcn.h>
 
-#include <QCoreApplication>
 #include <QFileInfo>
 #include <cstdio>
 
@@ -23,7 +22,8 @@ void Escribe(FILE* f, const QString& texto) {
 
 // The library installed beside this program, else the one built with it.
 QString BibliotecaPredeterminada() {
-    const QString instalada = QCoreApplication::applicationDirPath() + u"/../" KALO_DIR_BIBLIOTECAS
+    const QString programa = QFileInfo(u"/proc/self/exe"_s).canonicalFilePath();
+    const QString instalada = QFileInfo(programa).absolutePath() + u"/../" KALO_DIR_BIBLIOTECAS
                               "/libkaloimpresora.so." KALO_VERSION_MAYOR ""_s;
     if (QFileInfo::exists(instalada)) return QFileInfo(instalada).absoluteFilePath();
     return u"" KALO_BIBLIOTECA_CONSTRUIDA ""_s;
