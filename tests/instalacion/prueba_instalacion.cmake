@@ -21,6 +21,17 @@ if(NOT ULTIMA_SALIDA MATCHES "Tiendanova")
   message(FATAL_ERROR "El consumidor dijo: ${ULTIMA_SALIDA}")
 endif()
 
+# The Python package finds the installed library on its own.
+find_program(PYTHON3 python3)
+if(PYTHON3)
+  ejecuta(${CMAKE_COMMAND} -E env --unset=KALO_BIBLIOTECA "PYTHONPATH=${prefijo}/${DIR_PYTHON}"
+    "XDG_DATA_HOME=${TEMPORAL}/datos" "XDG_DATA_DIRS=${TEMPORAL}/datos" QT_QPA_PLATFORM=offscreen
+    ${PYTHON3} -c "import kaloimpresora\nprint(kaloimpresora.crea('KaloImpresora.Impresora').Replicate('ab', 3))")
+  if(NOT ULTIMA_SALIDA MATCHES "ababab")
+    message(FATAL_ERROR "El paquete de Python instalado dijo: ${ULTIMA_SALIDA}")
+  endif()
+endif()
+
 file(GLOB_RECURSE pc "${prefijo}/*/kaloimpresora.pc")
 get_filename_component(dir_pc "${pc}" DIRECTORY)
 ejecuta(${CMAKE_COMMAND} -E env "PKG_CONFIG_PATH=${dir_pc}" pkg-config --cflags --libs kaloimpresora)
