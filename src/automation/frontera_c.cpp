@@ -140,6 +140,10 @@ struct InformacionC {
         info.miembros = miembros.empty() ? nullptr : miembros.data();
     }
 
+    ~InformacionC() {
+        for (KaloVariant& o : omisiones) kalo_variant_limpia(&o);
+    }
+
     const char* Texto(const QString& s) { return textos.emplace_back(s.toUtf8()).constData(); }
 };
 
