@@ -3,12 +3,14 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 #include "comun/herramientas_pdf.h"
+#include "automation/componentes.h"
 #include "comun/utilerias_de_prueba.h"
 #include "runtime/aplicacion.h"
 #include "visor.h"
@@ -52,6 +54,8 @@ protected:
         // Never the machine's printers: the default printer is the PDF one here.
         entorno.insert(u"CUPS_SERVER"_s, u"127.0.0.1:1"_s);
         entorno.insert(u"KALO_CARPETA_DE_IMPRESOS"_s, dir.filePath(u"impresos"_s));
+        // The registry of components, private to the test.
+        entorno.insert(u"XDG_DATA_HOME"_s, dir.filePath(u"datos"_s));
         p.setProcessEnvironment(entorno);
         p.start(QString::fromUtf8(KALO_HERRAMIENTA), args);
         EXPECT_TRUE(p.waitForFinished(60000)) << args.join(u' ').toStdString();
@@ -181,6 +185,40 @@ TEST_F(Herramienta, VisorPasaPaginasAcercaYExporta) {
     EXPECT_EQ(LeePdf(pdf).paginas, 3);
     EXPECT_FALSE(visor.ImprimeEn(u"No Existe"_s, &error));
     EXPECT_TRUE(error.contains(u"No Existe"_s));
+}
+
+// The library's own entry points, through the command; the registration is
+// then found by either identifier, and is gone after desregistra.
+TEST_F(Herramienta, RegistraYDesregistraLaBiblioteca) {
+    const QString biblioteca = QFileInfo(QString::fromUtf8(KALO_BIBLIOTECA)).absoluteFilePath();
+    const QString carpeta = dir.filePath(u"datos/kaloimpresora/componentes"_s);
+    Salida s = Corre({u"registra"_s, biblioteca});
+    ASSERT_EQ(s.codigo, 0) << s.err.toStdString();
+    EXPECT_TRUE(s.out.contains(carpeta)) << s.out.toStdString();
+    EXPECT_EQ(QDir(carpeta).entryList(QDir::Files).size(), 2);
+
+    const QByteArray datos = qgetenv("XDG_DATA_HOME");
+    qputenv("XDG_DATA_HOME", QFile::encodeName(dir.filePath(u"datos"_s)));
+    const auto porPrograma = kalo::componentes::Busca(u"kaloimpresora.paramdata"_s);
+    const auto porClase = kalo::componentes::Busca(u"{e94bec84-e327-4a16-913b-8fbdd11090a8}"_s);
+    ASSERT_TRUE(porPrograma && porClase);
+    EXPECT_EQ(porPrograma->idDeClase, u"{B3A1E471-9B00-448B-A06E-ABBC3C84DD1D}"_s);
+    EXPECT_EQ(porPrograma->idDeInterfaz, u"{7BEFA45F-7BC4-47AA-AF7C-A5C8874CF96F}"_s);
+    EXPECT_EQ(porClase->idDePrograma, u"KaloImpresora.Impresora"_s);
+    EXPECT_EQ(QFileInfo(porClase->biblioteca).canonicalFilePath(), QFileInfo(biblioteca).canonicalFilePath());
+    EXPECT_EQ(porClase->modeloDeHilos, u"Apartment"_s);
+    EXPECT_EQ(porClase->version, u"1.0"_s);
+    EXPECT_EQ(porClase->locale, u"0x409"_s);
+
+    s = Corre({u"desregistra"_s, biblioteca});
+    EXPECT_EQ(s.codigo, 0) << s.err.toStdString();
+    EXPECT_FALSE(kalo::componentes::Busca(u"KaloImpresora.Impresora"_s));
+    if (datos.isNull()) qunsetenv("XDG_DATA_HOME"); else qputenv("XDG_DATA_HOME", datos);
+
+    s = Corre({u"registra"_s, dir.filePath(u"no-es-biblioteca.so"_s)});
+    EXPECT_EQ(s.codigo, 2);
+    EXPECT_TRUE(s.err.contains(u"no se pudo cargar"_s)) << s.err.toStdString();
+    EXPECT_EQ(Corre({u"registra"_s, biblioteca, u"otra"_s}).codigo, 1);
 }
 
 }  // namespace

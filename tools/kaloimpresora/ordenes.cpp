@@ -15,6 +15,7 @@
 #include "kaloimpresora/impresora.h"
 #include "kaloimpresora/impresoras.h"
 #include "paper/formas.h"
+#include "registro.h"
 #include "spool/conexion.h"
 #include "spool/reproduccion.h"
 #include "runtime/aplicacion.h"
@@ -51,6 +52,7 @@ los mismos comandos, uno por línea.
   resumen ARCHIVO              Documentos, páginas, comandos, fuentes y renglones
                                mal formados.
   vista ARCHIVO                Visor: página a página, zoom, imprimir, exportar a PDF.
+  registra, desregistra        El registro de componentes (véase más abajo).
 
 Una página impresa sola sale igual que en el documento entero: la fuente, el
 estilo, el color y la posición que dejan las páginas anteriores se conservan.
@@ -437,7 +439,7 @@ int Ejecuta(const QStringList& argumentos) {
     const QString orden = argumentos.first();
     const QStringList resto = argumentos.mid(1);
     if (orden == u"--help"_s || orden == u"-h"_s || orden == u"ayuda"_s || resto.contains(u"--help"_s)) {
-        Escribe(stdout, QString::fromUtf16(kAyuda) + AyudaDelCajon());
+        Escribe(stdout, QString::fromUtf16(kAyuda) + AyudaDelCajon() + AyudaDelRegistro());
         return salida::kBien;
     }
     if (orden == u"imprime"_s) return Imprime(resto);
@@ -448,6 +450,8 @@ int Ejecuta(const QStringList& argumentos) {
     if (orden == u"cajon"_s) return Cajon(resto);
     if (orden == u"resumen"_s) return Resumen(resto);
     if (orden == u"vista"_s) return Vista(resto);
+    if (orden == u"registra"_s) return Registra(resto, true);
+    if (orden == u"desregistra"_s) return Registra(resto, false);
     return Uso(u"Orden desconocida: %1"_s.arg(orden));
 }
 
