@@ -181,7 +181,18 @@ QDateEdit* Formulario::Fecha(QWidget* panel, const QString& nombre, int l, int t
 void Formulario::CierraOrden() {
     std::stable_sort(orden_.begin(), orden_.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
     for (size_t i = 1; i < orden_.size(); ++i) setTabOrder(orden_[i - 1].second, orden_[i].second);
-    if (!orden_.empty()) orden_.front().second->setFocus();
+}
+
+void Formulario::showEvent(QShowEvent* evento) {
+    QDialog::showEvent(evento);
+    // The focus starts on the first control in the keyboard order that can take it.
+    if (QWidget* f = focusWidget(); f && f->isVisible() && f->isEnabled()) return;
+    for (const auto& [tab, control] : orden_) {
+        if (control->isVisible() && control->isEnabled()) {
+            control->setFocus();
+            return;
+        }
+    }
 }
 
 void Formulario::Evento(const char* nombre, const std::function<void()>& cuerpo) {
@@ -211,6 +222,14 @@ void Formulario::keyPressEvent(QKeyEvent* evento) {
         if (cancelar_ && cancelar_->isVisible() && cancelar_->isEnabled()) cancelar_->click();
         evento->accept();
         return;
+    }
+    // Enter on a button presses it, also where no button is the default.
+    if ((evento->key() == Qt::Key_Return || evento->key() == Qt::Key_Enter) && evento->modifiers() == Qt::NoModifier) {
+        if (auto* boton = qobject_cast<QPushButton*>(focusWidget()); boton && boton->isEnabled()) {
+            boton->click();
+            evento->accept();
+            return;
+        }
     }
     QDialog::keyPressEvent(evento);
 }

@@ -74,8 +74,7 @@ public:
     void Coloca(QWidget* control, int l, int t, int w, int h, int tab);
     // A control that takes the focus in its tab index's place.
     void OrdenDeTabulacion(QWidget* control, int tab);
-    // Links the keyboard order from the tab indexes given so far and puts
-    // the focus on the first control.
+    // Links the keyboard order from the tab indexes given so far.
     void CierraOrden();
 
     // The button that Escape presses.
@@ -93,6 +92,7 @@ protected:
     virtual void Descarga() {}
     void keyPressEvent(QKeyEvent* evento) override;
     void resizeEvent(QResizeEvent* evento) override;
+    void showEvent(QShowEvent* evento) override;
 
 private:
     struct PanelAnclado {

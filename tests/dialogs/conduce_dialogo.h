@@ -40,6 +40,7 @@ public:
             }
             visto = true;
             EXPECT_EQ(w->objectName(), nombre);
+            EXPECT_TRUE(QTest::qWaitForWindowActive(w));
             accion(*w);
         });
         vigia_.setSingleShot(true);
