@@ -178,6 +178,28 @@ public:
     double Random();
     int32_t RandomColor();
 
+    // Parameter dialogs: modal, each call a fresh window; they return once it
+    // is closed. A cancel sets Cancelado (never cleared here); the close box
+    // writes nothing. Without a screen to show them on they raise 445.
+    // Date range: FechaInicial, FechaFinal, Todos, SoloSeleccionados.
+    void RangoDeFechas(const QString& cTitulo, const std::shared_ptr<Objeto>& Ambiente, bool SoloFechas = false);
+    // Cut-off date: FechaInicial, Todos, SoloSeleccionados.
+    void FechaDeCorte(const QString& cTitulo, const std::shared_ptr<Objeto>& Ambiente, bool SoloFechas = false);
+    // Up to two data ranges, dates and an option, described by ParamData;
+    // the answers come back in a new ParamData.
+    void Rangos(const std::shared_ptr<Objeto>& Ambiente, bool UsarListView);
+    // Kept in the interface; they do nothing.
+    void RangoDeAlcance(const QString& cTitulo, const std::shared_ptr<Objeto>& Ambiente) {}
+    Variant RangoDeDatos(const QString& cLeyendaIni, const QString& cBusquedaIni, const QString& cLeyendaFin,
+                         const QString& cBusquedaFin, const std::shared_ptr<Objeto>& Ambiente,
+                         const std::shared_ptr<Objeto>& ParentForm = {}) {
+        return {};
+    }
+    Variant Seleccion(const QString& cLeyendaIni, const QString& cBusquedaIni,
+                      const std::shared_ptr<Objeto>& Ambiente, const std::shared_ptr<Objeto>& ParentForm = {}) {
+        return {};
+    }
+
 private:
     int16_t escalaGuardadaImagen1_ = 0;  // ScaleMode of Imagen1 while a document is open
     double formaAlto_ = 0;

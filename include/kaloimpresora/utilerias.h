@@ -72,7 +72,7 @@ public:
 
 // The component's own implementation, used unless the host supplies one.
 // Barcode pictures come from libzint at 8 pixels per mm, altoDeBarra in
-// pixels. Operations whose feature is not available yet raise 445.
+// pixels.
 class KALO_EXPORT UtileriasPredeterminadas : public Utilerias {
 public:
     QString TextoDeNumero(double numero) override;
@@ -98,12 +98,23 @@ public:
     // and read-only, so opcion selects nothing.
     std::shared_ptr<Objeto> AbreConsulta(const QString& sql, const std::shared_ptr<Objeto>& conexion,
                                          bool opcion) override;
+    // periodo1 a year, periodo2 a month: the last day of that month. A
+    // period that is no month of the years 100 to 9999 raises 5.
     double FechaDePeriodo(const Variant& periodo1, const Variant& periodo2) override;
+    // Centres the window over the active window (or the screen).
     void PreparaFormulario(QObject* formulario, const std::shared_ptr<Objeto>& ambiente,
                            const QString& texto) override;
+    // Does nothing.
     void CierraFormulario(QObject* formulario, const std::shared_ptr<Objeto>& ambiente,
                           const QString& texto) override;
+    // To the widget with the focus: plain characters, {TAB}, {ENTER} or ~,
+    // {ESC}, {BS}, {DEL}, arrows ({UP}...), {HOME}, {END}, {PGUP}, {PGDN},
+    // {F1}-{F4}, a character in braces ({+}, {{}), and +, ^, % for Shift,
+    // Ctrl and Alt on the next key. Without espera the keys are queued and
+    // arrive when the event loop next runs. Notation that does not read raises 5.
     void EnviaTeclas(const QString& teclas, bool espera) override;
+    // 823: the branch's database could not be opened; other numbers give a
+    // text that names the number.
     QString TextoDeMensaje(int32_t numero, const std::shared_ptr<Objeto>& ambiente) override;
 };
 

@@ -151,10 +151,19 @@ std::vector<M> Miembros() {
         return std::vector<Parametro>{PorRef(u"cTitulo"_s, T::Texto), PorRef(u"Ambiente"_s, T::Objeto),
                                       Opcional(PorRef(u"SoloFechas"_s, T::Booleano), Variant(false))};
     };
-    metodo(u"RangoDeFechas", 0x60030023, T::Ninguno, dialogoDeFechas());
-    metodo(u"FechaDeCorte", 0x60030024, T::Ninguno, dialogoDeFechas());
+    metodo(u"RangoDeFechas", 0x60030023, T::Ninguno, dialogoDeFechas(), [](Impresora& o, Ranuras a) {
+        o.RangoDeFechas(a[0].texto(), a[1].objeto(), a[2].booleano());
+        return Variant();
+    });
+    metodo(u"FechaDeCorte", 0x60030024, T::Ninguno, dialogoDeFechas(), [](Impresora& o, Ranuras a) {
+        o.FechaDeCorte(a[0].texto(), a[1].objeto(), a[2].booleano());
+        return Variant();
+    });
     metodo(u"RangoDeAlcance", 0x60030025, T::Ninguno,
-           {PorRef(u"cTitulo"_s, T::Texto), PorRef(u"Ambiente"_s, T::Objeto)});
+           {PorRef(u"cTitulo"_s, T::Texto), PorRef(u"Ambiente"_s, T::Objeto)}, [](Impresora& o, Ranuras a) {
+               o.RangoDeAlcance(a[0].texto(), a[1].objeto());
+               return Variant();
+           });
     metodo(u"FuenteTransparente", 0x60030026, T::Ninguno, {PorRef(u"bolTrans"_s)},
            [](Impresora& o, Ranuras a) { o.FuenteTransparente(a[0]); return Variant(); });
     metodo(u"ColorDeFuente", 0x60030027, T::Ninguno, {PorRef(u"nColor"_s)},
@@ -207,12 +216,21 @@ std::vector<M> Miembros() {
     metodo(u"RangoDeDatos", 0x6003003a, T::Variante,
            {PorRef(u"cLeyendaIni"_s, T::Texto), PorRef(u"cBusquedaIni"_s, T::Texto),
             PorRef(u"cLeyendaFin"_s, T::Texto), PorRef(u"cBusquedaFin"_s, T::Texto),
-            PorRef(u"Ambiente"_s, T::Objeto), padre()});
+            PorRef(u"Ambiente"_s, T::Objeto), padre()},
+           [](Impresora& o, Ranuras a) {
+               return o.RangoDeDatos(a[0].texto(), a[1].texto(), a[2].texto(), a[3].texto(), a[4].objeto(),
+                                     a[5].objeto());
+           });
     metodo(u"Seleccion", 0x6003003b, T::Variante,
            {PorRef(u"cLeyendaIni"_s, T::Texto), PorRef(u"cBusquedaIni"_s, T::Texto),
-            PorRef(u"Ambiente"_s, T::Objeto), padre()});
+            PorRef(u"Ambiente"_s, T::Objeto), padre()},
+           [](Impresora& o, Ranuras a) { return o.Seleccion(a[0].texto(), a[1].texto(), a[2].objeto(), a[3].objeto()); });
     metodo(u"Rangos", 0x6003003c, T::Ninguno,
-           {PorRef(u"Ambiente"_s, T::Objeto), PorRef(u"UsarListView"_s, T::Booleano)});
+           {PorRef(u"Ambiente"_s, T::Objeto), PorRef(u"UsarListView"_s, T::Booleano)},
+           [](Impresora& o, Ranuras a) {
+               o.Rangos(a[0].objeto(), a[1].booleano());
+               return Variant();
+           });
     metodo(u"AbrirCajonDeDinero", 0x6003003d, T::Ninguno, {PorRef(u"cPuerto"_s), PorRef(u"cCode"_s)},
            [](Impresora& o, Ranuras a) { o.AbrirCajonDeDinero(a[0], a[1]); return Variant(); });
     metodo(u"Codigo39", 0x6003003e, T::Ninguno,

@@ -1,6 +1,13 @@
 #include "kaloimpresora/utilerias.h"
 
+#include <QApplication>
+#include <QDate>
+#include <QHash>
+#include <QKeyEvent>
+#include <QScreen>
+#include <QWidget>
 #include <cmath>
+#include <vector>
 
 #include "kaloimpresora/automatizacion.h"
 #include "barcode/imagenes_zint.h"
@@ -11,12 +18,70 @@ namespace kalo {
 
 namespace {
 
-[[noreturn]] void NoDisponible(const char16_t* operacion) {
-    const QString nombre = QString::fromUtf16(operacion);
-    LanzaNoDisponible(nombre, QStringLiteral("Utilerias.") + nombre);
-}
-
 thread_local std::shared_ptr<Utilerias> tUtilerias;
+
+struct Pulsacion {
+    int tecla;
+    Qt::KeyboardModifiers modificadores;
+    QString texto;
+};
+
+// The key-string notation: plain characters; {NAME} for a special key;
+// {+}, {^}, {%}, {~}, {(}, {{}... for those characters; ~ is Enter; +, ^ and
+// % hold Shift, Ctrl and Alt for the next key. Empty when it does not read.
+std::vector<Pulsacion> LeeTeclas(const QString& teclas) {
+    static const QHash<QString, int> especiales = {
+        {QStringLiteral("TAB"), Qt::Key_Tab},          {QStringLiteral("ENTER"), Qt::Key_Return},
+        {QStringLiteral("ESC"), Qt::Key_Escape},       {QStringLiteral("ESCAPE"), Qt::Key_Escape},
+        {QStringLiteral("BS"), Qt::Key_Backspace},     {QStringLiteral("BKSP"), Qt::Key_Backspace},
+        {QStringLiteral("BACKSPACE"), Qt::Key_Backspace}, {QStringLiteral("DEL"), Qt::Key_Delete},
+        {QStringLiteral("DELETE"), Qt::Key_Delete},    {QStringLiteral("UP"), Qt::Key_Up},
+        {QStringLiteral("DOWN"), Qt::Key_Down},        {QStringLiteral("LEFT"), Qt::Key_Left},
+        {QStringLiteral("RIGHT"), Qt::Key_Right},      {QStringLiteral("HOME"), Qt::Key_Home},
+        {QStringLiteral("END"), Qt::Key_End},          {QStringLiteral("PGUP"), Qt::Key_PageUp},
+        {QStringLiteral("PGDN"), Qt::Key_PageDown},    {QStringLiteral("INSERT"), Qt::Key_Insert},
+        {QStringLiteral("F1"), Qt::Key_F1},            {QStringLiteral("F2"), Qt::Key_F2},
+        {QStringLiteral("F3"), Qt::Key_F3},            {QStringLiteral("F4"), Qt::Key_F4},
+    };
+    std::vector<Pulsacion> r;
+    Qt::KeyboardModifiers mods;
+    const auto caracter = [&](QChar c) {
+        const char16_t u = c.toUpper().unicode();
+        const bool ascii = (u >= u'A' && u <= u'Z') || (u >= u'0' && u <= u'9') || u == u' ';
+        const int tecla = ascii ? int(u) : int(Qt::Key_unknown);  // Qt's codes for these are their ASCII
+        r.push_back({tecla, mods, mods & Qt::ShiftModifier ? QString(c.toUpper()) : QString(c)});
+        mods = {};
+    };
+    for (qsizetype i = 0; i < teclas.size(); ++i) {
+        const QChar c = teclas[i];
+        if (c == u'+') mods |= Qt::ShiftModifier;
+        else if (c == u'^') mods |= Qt::ControlModifier;
+        else if (c == u'%') mods |= Qt::AltModifier;
+        else if (c == u'~') {
+            r.push_back({Qt::Key_Return, mods, QStringLiteral("\r")});
+            mods = {};
+        } else if (c == u'{') {
+            // "{}}" names the closing brace itself.
+            const qsizetype fin = teclas.indexOf(u'}', i + 2);
+            if (fin < 0) return {};
+            const QString nombre = teclas.mid(i + 1, fin - i - 1);
+            i = fin;
+            if (nombre.size() == 1) {
+                caracter(nombre[0]);
+                continue;
+            }
+            const auto it = especiales.constFind(nombre.toUpper());
+            if (it == especiales.cend()) return {};
+            const bool esIntro = *it == Qt::Key_Return;
+            r.push_back({*it, mods, esIntro ? QStringLiteral("\r") : *it == Qt::Key_Tab ? QStringLiteral("\t")
+                                                                     : QString()});
+            mods = {};
+        } else {
+            caracter(c);
+        }
+    }
+    return r;
+}
 
 }  // namespace
 
@@ -101,16 +166,56 @@ std::shared_ptr<Objeto> UtileriasPredeterminadas::AbreConsulta(const QString& sq
     if (!resultado.esObjeto()) Lanza(err::kTiposNoCoinciden, origen);
     return resultado.objeto();
 }
-double UtileriasPredeterminadas::FechaDePeriodo(const Variant&, const Variant&) { NoDisponible(u"FechaDePeriodo"); }
-void UtileriasPredeterminadas::PreparaFormulario(QObject*, const std::shared_ptr<Objeto>&, const QString&) {
-    NoDisponible(u"PreparaFormulario");
+double UtileriasPredeterminadas::FechaDePeriodo(const Variant& periodo1, const Variant& periodo2) {
+    const int32_t anio = CLng(periodo1);
+    const int32_t mes = CLng(periodo2);
+    if (anio < 100 || anio > 9999 || mes < 1 || mes > 12)
+        Lanza(err::kLlamadaNoValida, QStringLiteral("Utilerias.FechaDePeriodo"));
+    const QDate primero(anio, mes, 1);
+    return static_cast<double>(QDate(1899, 12, 30).daysTo(primero.addDays(primero.daysInMonth() - 1)));
 }
-void UtileriasPredeterminadas::CierraFormulario(QObject*, const std::shared_ptr<Objeto>&, const QString&) {
-    NoDisponible(u"CierraFormulario");
+
+void UtileriasPredeterminadas::PreparaFormulario(QObject* formulario, const std::shared_ptr<Objeto>&,
+                                                 const QString&) {
+    auto* ventana = qobject_cast<QWidget*>(formulario);
+    if (!ventana) return;
+    QRect sobre;
+    if (QWidget* activa = QApplication::activeWindow(); activa && activa != ventana)
+        sobre = activa->frameGeometry();
+    else if (const QScreen* pantalla = ventana->screen() ? ventana->screen() : QGuiApplication::primaryScreen())
+        sobre = pantalla->availableGeometry();
+    if (sobre.isEmpty()) return;
+    QRect marco(QPoint(), ventana->size());
+    marco.moveCenter(sobre.center());
+    ventana->move(marco.topLeft());
 }
-void UtileriasPredeterminadas::EnviaTeclas(const QString&, bool) { NoDisponible(u"EnviaTeclas"); }
-QString UtileriasPredeterminadas::TextoDeMensaje(int32_t, const std::shared_ptr<Objeto>&) {
-    NoDisponible(u"TextoDeMensaje");
+
+void UtileriasPredeterminadas::CierraFormulario(QObject*, const std::shared_ptr<Objeto>&, const QString&) {}
+
+void UtileriasPredeterminadas::EnviaTeclas(const QString& teclas, bool espera) {
+    const QString origen = QStringLiteral("Utilerias.EnviaTeclas");
+    const std::vector<Pulsacion> pulsaciones = LeeTeclas(teclas);
+    if (pulsaciones.empty() && !teclas.isEmpty()) Lanza(err::kLlamadaNoValida, origen);
+    for (const Pulsacion& p : pulsaciones) {
+        QObject* destino = QGuiApplication::focusObject();
+        if (!destino) return;
+        for (QEvent::Type tipo : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            auto* evento = new QKeyEvent(tipo, p.tecla, p.modificadores, p.texto);
+            if (espera) {
+                QCoreApplication::sendEvent(destino, evento);
+                delete evento;
+            } else {
+                QCoreApplication::postEvent(destino, evento);
+            }
+        }
+    }
+}
+
+QString UtileriasPredeterminadas::TextoDeMensaje(int32_t numero, const std::shared_ptr<Objeto>&) {
+    switch (numero) {
+    case 823: return QStringLiteral("No se pudo abrir la base de datos de la sucursal.");
+    default: return QStringLiteral("Mensaje %1: no está en el catálogo.").arg(numero);
+    }
 }
 
 Utilerias& UtileriasCompartidas() {

@@ -7,4 +7,9 @@ namespace kalo {
 // when there is no display. Call from the host's user-interface thread.
 void AseguraAplicacion();
 
+// True when the application object is the component's own and runs
+// offscreen only because there was no display: nobody can see a window.
+// False when the host or the environment chose the platform.
+bool SinPantallaVisible();
+
 }  // namespace kalo

@@ -118,19 +118,13 @@ TEST(Despacho, LlamadasPorNombreYPorId) {
         {"Fn", Metodo, {Variant::Nulo()}, 94},
         {"Copias", Metodo, {"muchas"}, 13},
         {"Bar128", Metodo, {70000, "123", 0, 0, 1, 1}, 6},
-        {"RangoDeFechas", Metodo, {"Periodo", Variant::Nada()}, 445},  // not available yet
+        {"Rangos", Metodo, {Variant::Nada()}, 449},
+        {"RangoDeFechas", Metodo, {"Periodo", 5}, 13},  // Ambiente is an object
     };
     for (auto& [miembro, tipo, argumentos, error] : casos)
         EXPECT_EQ(NumeroDeError([&] { imp.InvocaPorNombre(QString::fromLatin1(miembro), tipo, argumentos); }), error)
             << miembro;
     EXPECT_EQ(imp.nRow, 66);
-    // What is not available yet names itself.
-    try {
-        imp.Llama(u"RangoDeFechas"_s, {u"Periodo"_s, Variant::Nada()});
-    } catch (const ErrorDeAutomatizacion& e) {
-        EXPECT_TRUE(e.descripcion().contains(u"«RangoDeFechas»"_s)) << e.what();
-        EXPECT_EQ(e.origen(), u"Impresora.RangoDeFechas"_s);
-    }
 }
 
 TEST(Despacho, OpcionalesOmitidosTomanSuValorPredeterminado) {

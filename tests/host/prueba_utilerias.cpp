@@ -1,6 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <QApplication>
+#include <QLineEdit>
+#include <QTest>
+#include <QVBoxLayout>
 #include <thread>
+
+#include "runtime/aplicacion.h"
 
 #include "comun/utilerias_de_prueba.h"
 #include "kaloimpresora/impresora.h"
@@ -40,7 +46,7 @@ TEST(Utilerias, EsVacioYValorNumerico) {
     }
 }
 
-TEST(Utilerias, TextoDeValorBuscaTextoSeparadorYLoQueAunNoEsta) {
+TEST(Utilerias, TextoDeValorBuscaTextoYSeparador) {
     UtileriasPredeterminadas u;
     ConLocal l("es_ES");
     EXPECT_EQ(u.TextoDeValor(u"a\"b"_s), u"a\"b"_s);
@@ -54,7 +60,51 @@ TEST(Utilerias, TextoDeValorBuscaTextoSeparadorYLoQueAunNoEsta) {
     EXPECT_LT(u.BuscaTexto(Variant::Nulo(), u"abc"_s), 1);
     ConLocal en("en_US");
     EXPECT_EQ(u.SeparadorDecimal(), u"."_s);
-    EXPECT_EQ(NumeroDeError([&] { u.FechaDePeriodo(1, 2); }), 445);
+}
+
+TEST(Utilerias, FechaDePeriodoYTextoDeMensaje) {
+    UtileriasPredeterminadas u;
+    const std::tuple<Variant, Variant, QDate> casos[] = {
+        {2024, 2, QDate(2024, 2, 29)}, {1900, 2, QDate(1900, 2, 28)}, {u"2024"_s, 12, QDate(2024, 12, 31)}};
+    for (const auto& [anio, mes, dia] : casos) EXPECT_EQ(u.FechaDePeriodo(anio, mes), QDate(1899, 12, 30).daysTo(dia));
+    for (auto [anio, mes] : {std::pair{2024, 0}, {2024, 13}, {99, 1}, {10000, 1}})
+        EXPECT_EQ(NumeroDeError([&] { u.FechaDePeriodo(anio, mes); }), err::kLlamadaNoValida) << anio << "/" << mes;
+    EXPECT_EQ(u.TextoDeMensaje(823, nullptr), u"No se pudo abrir la base de datos de la sucursal."_s);
+    EXPECT_TRUE(u.TextoDeMensaje(77, nullptr).contains(u"77"_s));
+}
+
+// Keys reach the widget with the focus; without waiting they arrive when the
+// event loop runs. The window is centred over the active one.
+TEST(Utilerias, EnviaTeclasYPreparaFormulario) {
+    AseguraAplicacion();
+    UtileriasPredeterminadas u;
+    QWidget ventana;
+    ventana.setGeometry(100, 80, 600, 400);
+    auto* capa = new QVBoxLayout(&ventana);
+    auto* uno = new QLineEdit;
+    auto* dos = new QLineEdit;
+    capa->addWidget(uno);
+    capa->addWidget(dos);
+    ventana.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&ventana));
+    uno->setFocus();
+    u.EnviaTeclas(u"ab+c{+}1 {TAB}xy{BS}"_s, true);
+    EXPECT_EQ(uno->text() + u'|' + dos->text(), u"abC+1 |x"_s);
+    u.EnviaTeclas(u"{TAB}"_s, false);
+    EXPECT_TRUE(dos->hasFocus());
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(uno->hasFocus());
+    int intros = 0;
+    QObject::connect(uno, &QLineEdit::returnPressed, [&] { ++intros; });
+    u.EnviaTeclas(u"{ENTER}~"_s, true);
+    EXPECT_EQ(intros, 2);
+    for (const char16_t* malas : {u"{NOEXISTE}", u"{TAB"})
+        EXPECT_EQ(NumeroDeError([&] { u.EnviaTeclas(QString::fromUtf16(malas), true); }), err::kLlamadaNoValida);
+
+    QWidget dialogo;
+    dialogo.resize(200, 100);
+    u.PreparaFormulario(&dialogo, nullptr, {});
+    EXPECT_EQ(dialogo.geometry().center(), ventana.frameGeometry().center());
 }
 
 class Marcada : public UtileriasPredeterminadas {
