@@ -39,7 +39,8 @@ void RegistraComando(Impresora& imp, const QString& source, double nrow, double 
         }
         reporte::Inserta(*conexion, {imp.Paginas, imp.nLinea, source, nrow, ncol, contenido, fuente, fsize,
                                      util.ValorNumerico(Variant(bold)), util.ValorNumerico(Variant(italic))});
-        if (source.toUpper() == u"PAGINANUEVA"_s) reporte::AnotaPaginas(*conexion, imp.Paginas);
+        // No letter uppercases to more than one letter of the word, so only its length can match.
+        if (source.size() == 11 && source.toUpper() == u"PAGINANUEVA"_s) reporte::AnotaPaginas(*conexion, imp.Paginas);
     } catch (...) {
         // A lost row must never stop the document.
     }
