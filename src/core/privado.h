@@ -16,5 +16,10 @@ void RegistraComando(Impresora& imp, const QString& source, double nrow = 0, dou
 
 // A number as recorded in command texts: Fn("2.5").
 QString TextoFn(const Variant& valor);
+QString TextoFn(double valor);
+
+// Whether RegistraComando writes rows now. While it does not, commands still
+// convert their arguments, in the same order, and skip building the text.
+inline bool Graba(const Impresora& imp) { return imp.Pantalla && imp.Archivo; }
 
 }  // namespace kalo

@@ -21,7 +21,7 @@ void RegistraComando(Impresora& imp, const QString& source, double nrow, double 
                      const QString& fuente, double fsize, bool bold, bool italic) {
     if (imp.nLinea == INT32_MAX) Lanza(err::kDesbordamiento, u"Impresora.RegistraComando"_s);
     ++imp.nLinea;
-    if (!imp.Pantalla || !imp.Archivo) return;
+    if (!Graba(imp)) return;
     try {
         Utilerias& util = UtileriasCompartidas();
         if (util.EsVacio(Variant(imp.DB))) imp.CreaBaseDeDatos();
@@ -39,14 +39,17 @@ void RegistraComando(Impresora& imp, const QString& source, double nrow, double 
         }
         reporte::Inserta(*conexion, {imp.Paginas, imp.nLinea, source, nrow, ncol, contenido, fuente, fsize,
                                      util.ValorNumerico(Variant(bold)), util.ValorNumerico(Variant(italic))});
-        if (source.toUpper() == u"PAGINANUEVA"_s) reporte::AnotaPaginas(*conexion, imp.Paginas);
+        // No letter uppercases to more than one letter of the word, so only its length can match.
+        if (source.size() == 11 && source.toUpper() == u"PAGINANUEVA"_s) reporte::AnotaPaginas(*conexion, imp.Paginas);
     } catch (...) {
         // A lost row must never stop the document.
     }
 }
 
-QString TextoFn(const Variant& valor) {
-    const double redondeado = RedondeaPar(CDbl(valor) * 10000) / 10000;
+QString TextoFn(const Variant& valor) { return TextoFn(CDbl(valor)); }
+
+QString TextoFn(double valor) {
+    const double redondeado = RedondeaPar(valor * 10000) / 10000;
     return u"Fn(\""_s + UtileriasCompartidas().TextoDeNumero(redondeado) + u"\")"_s;
 }
 

@@ -21,11 +21,16 @@ QString Entrecomillado(const QString& texto) { return u'"' + texto + u'"'; }
 void Impresora::Say(const Variant& y, const Variant& x, const Variant& strMensaje) {
     Utilerias& util = UtileriasCompartidas();
     QString citado = util.TextoDeValor(strMensaje);
-    Cambia(u"''"_s, u"\""_s, citado);
-    const QString comando = u"Say "_s + TextoFn(y) + u',' + TextoFn(x) + u',' + Entrecomillado(citado);
+    const double fy = CDbl(y);
+    const double fx = CDbl(x);
     const QString contenido = util.TextoDeValor(strMensaje);
     const double nrow = CDbl(Variant(CDbl(y)) / (Variant(FormaAlto()) / Variant(nRow)));
     const double ncol = CDbl(Variant(CDbl(x)) / (Variant(FormaAncho()) / Variant(nCol)));
+    QString comando;
+    if (Graba(*this)) {
+        Cambia(u"''"_s, u"\""_s, citado);
+        comando = u"Say "_s + TextoFn(fy) + u',' + TextoFn(fx) + u',' + Entrecomillado(citado);
+    }
     RegistraComando(*this, comando, nrow, ncol, contenido);
     modulo4::PosicionaX(x);
     modulo4::PosicionaY(y);

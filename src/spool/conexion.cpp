@@ -33,6 +33,9 @@ void ConexionDeReporte::Abre(const QString& ruta) {
 
 void ConexionDeReporte::Cierra() {
     if (!bd_) return;
+    sqlite3_finalize(preparada_);
+    preparada_ = nullptr;
+    sqlPreparado_ = nullptr;
     sqlite3_close_v2(bd_);
     bd_ = nullptr;
 }
@@ -71,6 +74,31 @@ void ConexionDeReporte::Ejecuta(const QString& sql) {
     }
     sqlite3_finalize(sentencia);
     if (rc != SQLITE_DONE) Falla(u"Ejecuta"_s);
+}
+
+sqlite3_stmt* ConexionDeReporte::Preparada(const char* sql) {
+    if (preparada_ && sqlPreparado_ == sql) return preparada_;
+    if (!bd_) Falla(u"Ejecuta"_s);
+    sqlite3_stmt* sentencia = nullptr;
+    if (sqlite3_prepare_v3(bd_, sql, -1, SQLITE_PREPARE_PERSISTENT, &sentencia, nullptr) != SQLITE_OK || !sentencia)
+        Falla(u"Ejecuta"_s);
+    sqlite3_finalize(preparada_);
+    preparada_ = sentencia;
+    sqlPreparado_ = sql;
+    return sentencia;
+}
+
+void ConexionDeReporte::Completa(sqlite3_stmt* sentencia) {
+    int rc;
+    while ((rc = sqlite3_step(sentencia)) == SQLITE_ROW) {
+    }
+    if (rc != SQLITE_DONE) {
+        const QString mensaje = QString::fromUtf8(sqlite3_errmsg(bd_));
+        sqlite3_reset(sentencia);
+        throw ErrorDeAutomatizacion(err::kErrorDeBaseDeDatos, u"Error del archivo de reporte: "_s + mensaje,
+                                    u"ConexionDeReporte.Ejecuta"_s);
+    }
+    sqlite3_reset(sentencia);
 }
 
 bool ConexionDeReporte::HayRenglones(const QString& sql) {

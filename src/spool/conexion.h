@@ -29,6 +29,12 @@ public:
     void Ejecuta(const QString& sql);
     // Runs a query and tells whether it returned a row.
     bool HayRenglones(const QString& sql);
+    // The statement of `sql`, prepared once while this file stays open; the
+    // caller binds its values and runs it with Completa. `sql` must outlive
+    // the connection (a literal): it is the key for the next call.
+    sqlite3_stmt* Preparada(const char* sql);
+    // Steps a statement from Preparada to its end and resets it; fails like Ejecuta.
+    void Completa(sqlite3_stmt* sentencia);
     // Folds the write-ahead log into the file so the file alone is complete.
     void Consolida();
 
@@ -41,6 +47,8 @@ private:
 
     sqlite3* bd_ = nullptr;
     QString ruta_;
+    const char* sqlPreparado_ = nullptr;
+    sqlite3_stmt* preparada_ = nullptr;
 };
 
 }  // namespace kalo

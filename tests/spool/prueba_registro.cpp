@@ -126,6 +126,32 @@ TEST_F(Registro, ColumnasYComillasComoLasEscribeElRegistrador) {
     EXPECT_NE(filas[3][7], u"0"_s);
 }
 
+// Values keep the types and digits the literal statement gave them, in the
+// file DB names even when the host points it at another one between rows.
+TEST_F(Registro, TiposYCifrasEnCadaArchivoQueNombraDB) {
+    ConLocal local("en_US");
+    Impresora otra;
+    otra.Pantalla = otra.Archivo = true;
+    RegistraComando(otra, u"Cls"_s);
+    const QString segundo = otra.DB;
+    creados << segundo;
+    otra.sq = nullptr;
+
+    imp.Paginas = 3;
+    RegistraComando(imp, u"Say Fn(\"0\"),Fn(\"0\"),\"a\""_s, 1.0 / 3, 0.00001, u"a"_s, {}, 2, true);
+    const QString primero = Archivo();
+    imp.DB = segundo;
+    RegistraComando(imp, u"Say Fn(\"0\"),Fn(\"0\"),\"b\""_s, 1e20, -2.5, u"b"_s);
+    const char* consulta = "SELECT pagina, typeof(nrow), nrow, typeof(ncol), ncol, typeof(fsize), typeof(bold), bold, "
+                           "contenido FROM source WHERE contenido <> ''";
+    EXPECT_EQ(Consulta(primero, consulta),
+              (std::vector<Fila>{{u"3"_s, u"real"_s, u"0.333333333333333"_s, u"real"_s, u"1.0e-05"_s, u"real"_s,
+                                  u"integer"_s, u"-1"_s, u"a"_s}}));
+    EXPECT_EQ(Consulta(segundo, consulta),
+              (std::vector<Fila>{{u"3"_s, u"real"_s, u"1.0e+20"_s, u"real"_s, u"-2.5"_s, u"real"_s, u"integer"_s,
+                                  u"0"_s, u"b"_s}}));
+}
+
 TEST_F(Registro, RenglonesQueSePierdenSinDetenerElDocumento) {
     imp.IniciaDocumento();
     // A font name with a quote breaks the statement.
