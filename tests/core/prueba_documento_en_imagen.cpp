@@ -1,4 +1,5 @@
-// A whole document drawn on a real image preview, checked by its pixels.
+// Pictures in the common file formats, drawn by a document on a real image
+// preview and checked by their pixels.
 
 #include <gtest/gtest.h>
 
@@ -16,45 +17,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kPpp = 96;  // 8.5 x 11 inches at 96 dpi: page inches map 1:1
-
-class DocumentoEnImagen : public ::testing::Test {
-protected:
-    void SetUp() override {
-        vista = CreaSuperficieDeImagen(8.5 * kPpp, 11 * kPpp, kPpp);
-        imp.Pantalla = true;
-        imp.Imagen2 = vista;
-        imp.IniciaDocumento();
-    }
-    QColor Pixel(double x, double y) {
-        const auto imagen = std::dynamic_pointer_cast<Imagen>(vista->Lee(u"Image"_s).objeto());
-        return imagen->imagen().pixelColor(qRound(x * kPpp), qRound(y * kPpp));
-    }
-    std::shared_ptr<Objeto> vista;
+TEST(DocumentoEnImagen, ImagenesEnLosFormatosComunes) {
+    // 8.5 x 11 inches at 96 dpi: page inches map 1:1.
+    auto vista = CreaSuperficieDeImagen(8.5 * 96, 11 * 96, 96);
     Impresora imp;
-};
-
-TEST_F(DocumentoEnImagen, CajasLlenasEnSuColorYCajasEnElDeLaFuente) {
-    imp.FilledBox(1, 1, 2, 1, 255);
-    EXPECT_EQ(Pixel(2, 1.5), QColor(Qt::red));
-    imp.ColorDeFuente(0xFF0000);  // blue, as 0x00BBGGRR
-    imp.Box(4, 1, 2, 1);
-    EXPECT_EQ(Pixel(5, 1), QColor(Qt::blue));
-    EXPECT_EQ(Pixel(5, 1.5), QColor(Qt::white));
-    imp.PaginaNueva();
-    EXPECT_EQ(Pixel(2, 1.5), QColor(Qt::white));
-}
-
-TEST_F(DocumentoEnImagen, SayEscribeDondeSeLePide) {
-    imp.EstableceFuente(u"DejaVu Sans"_s, 24);
-    imp.Say(imp.Row(12), imp.Col(40), u"███"_s);
-    // Row 12 = 2 in down, column 40 = 4.25 in across: the text starts there.
-    EXPECT_LT(Pixel(4.35, 2.15).lightness(), 100);
-    EXPECT_EQ(Pixel(4.1, 2.15), QColor(Qt::white));
-    EXPECT_EQ(Pixel(4.35, 1.9), QColor(Qt::white));
-}
-
-TEST_F(DocumentoEnImagen, ImagenesEnLosFormatosComunes) {
+    imp.Pantalla = true;
+    imp.Imagen2 = vista;
+    imp.IniciaDocumento();
     QTemporaryDir carpeta;
     QImage azul(16, 16, QImage::Format_RGB32);
     azul.fill(Qt::blue);
@@ -73,7 +42,9 @@ TEST_F(DocumentoEnImagen, ImagenesEnLosFormatosComunes) {
             ASSERT_TRUE(azul.save(archivo, formato));
         }
         imp.Picture(archivo, 0.5 + x, 5, 0.5, 0.5);
-        const QColor c = Pixel(0.75 + x, 5.25);
+        const QColor c = std::dynamic_pointer_cast<Imagen>(vista->Lee(u"Image"_s).objeto())
+                             ->imagen()
+                             .pixelColor(qRound((0.75 + x) * 96), qRound(5.25 * 96));
         EXPECT_GT(c.blue(), 200);
         EXPECT_LT(c.red(), 60);
         ++x;

@@ -17,26 +17,15 @@ using Texto = prueba::ConImpresoraYVistaGrabadoras<>;
 
 TEST_F(Texto, SayRegistraLaRejillaYEscribeElTextoSinCambiar) {
     imp.IniciaDocumento();
-    imp.Say(1, 2, u"a\"b"_s);
+    imp.Say(1, 2, u"a\"b'c"_s);
     const auto r = Renglones(imp.DB);
     ASSERT_EQ(r.size(), 2u);
-    EXPECT_EQ(r[1].source, u"Say Fn(\"1\"),Fn(\"2\"),\"a''b\"\r\n"_s);
+    EXPECT_EQ(r[1].source, u"Say Fn(\"1\"),Fn(\"2\"),\"a''b'c\"\r\n"_s);
     EXPECT_DOUBLE_EQ(r[1].nrow, 6);
     EXPECT_DOUBLE_EQ(r[1].ncol, 2 / (8.5 / 80));
-    EXPECT_EQ(r[1].contenido, u"a\"b"_s);
+    EXPECT_EQ(r[1].contenido, u"a\"b'c"_s);
     EXPECT_EQ(vista->Registro().mid(vista->Registro().size() - 3),
-              (QStringList{u"Asigna currentx=2"_s, u"Asigna currenty=1"_s, u"Llama print(a\"b)"_s}));
-}
-
-TEST_F(Texto, SayEnLaImpresoraRestaLosMargenes) {
-    imp.Pantalla = false;
-    imp.IniciaDocumento();
-    imp.Say(1, 2, 1234.5);
-    EXPECT_TRUE(impresora->Valor(u"CurrentX"_s).identico(Variant(1.75f)));
-    EXPECT_TRUE(impresora->Valor(u"CurrentY"_s).identico(Variant(0.75f)));
-    // The argument itself is printed, not its text.
-    EXPECT_TRUE(impresora->De(u"Print"_s).back().argumentos[0].identico(Variant(1234.5)));
-    EXPECT_TRUE(imp.DB.isEmpty());
+              (QStringList{u"Asigna currentx=2"_s, u"Asigna currenty=1"_s, u"Llama print(a\"b'c)"_s}));
 }
 
 TEST_F(Texto, RenglonYColumnaDeLaRejilla) {
@@ -66,12 +55,14 @@ TEST_F(Texto, LosErroresDeConversionLleganAntesDeRegistrar) {
     EXPECT_EQ(Renglones(imp.DB).size(), 2u);
 }
 
+// The message itself reaches the target, not its text.
 TEST_F(Texto, PorNombreComoLoLlamaElAnfitrion) {
     imp.IniciaDocumento();
-    imp.Llama(u"say"_s, {imp.Llama(u"Row"_s, {3}), imp.Llama(u"Col"_s, {10}), u"Total"_s});
+    imp.Llama(u"say"_s, {imp.Llama(u"Row"_s, {3}), imp.Llama(u"Col"_s, {10}), 1234});
     EXPECT_TRUE(vista->Valor(u"CurrentY"_s).identico(Variant(0.5)));
     EXPECT_TRUE(vista->Valor(u"CurrentX"_s).identico(Variant(1.0625)));
-    EXPECT_EQ(Renglones(imp.DB).back().source, u"Say Fn(\"0.5\"),Fn(\"1.0625\"),\"Total\"\r\n"_s);
+    EXPECT_TRUE(vista->De(u"Print"_s).back().argumentos[0].identico(Variant(1234)));
+    EXPECT_EQ(Renglones(imp.DB).back().source, u"Say Fn(\"0.5\"),Fn(\"1.0625\"),\"1234\"\r\n"_s);
 }
 
 }  // namespace

@@ -105,27 +105,6 @@ TEST_F(Registro, SinPantallaOSinArchivoNoSeEscribeNadaPeroSeCuenta) {
     EXPECT_EQ(NumeroDeError([&] { imp.PaginaNueva(); }), 6);
 }
 
-TEST_F(Registro, ColumnasYComillasComoLasEscribeElRegistrador) {
-    ConLocal local("en_US");
-    imp.Paginas = 1;
-    RegistraComando(imp, u"Say Fn(\"1\"),Fn(\"2\"),\"a''b\""_s, 6, 2 / 0.10625, u"a\"b'c"_s);
-    RegistraComando(imp, u"EstableceFuente \"Arial\",Fn(\"10\")"_s, 0, 0, {}, u"Arial"_s, 10);
-    RegistraComando(imp, u"FontBold False"_s, 0, 0, {}, {}, 0, true);
-    RegistraComando(imp, u"FontItalic True"_s, 0, 0, {}, {}, 0, false, true);
-    const auto filas =
-        Consulta(Archivo(), "SELECT source, nrow, ncol, contenido, fuente, fsize, bold, italic FROM source ORDER BY row");
-    ASSERT_EQ(filas.size(), 4u);
-    EXPECT_EQ(filas[0][0], u"Say Fn(\"1\"),Fn(\"2\"),\"a''b\"\r\n"_s);
-    EXPECT_EQ(filas[0][1], u"6.0"_s);
-    EXPECT_EQ(filas[0][2].left(14), u"18.82352941176"_s);
-    EXPECT_EQ(filas[0][3], u"a\"b'c"_s);
-    EXPECT_EQ(filas[1][4], u"Arial"_s);
-    EXPECT_EQ(filas[1][5], u"10.0"_s);
-    EXPECT_NE(filas[2][6], u"0"_s);
-    EXPECT_EQ(filas[2][7], u"0"_s);
-    EXPECT_NE(filas[3][7], u"0"_s);
-}
-
 TEST_F(Registro, RenglonesQueSePierdenSinDetenerElDocumento) {
     imp.IniciaDocumento();
     // A font name with a quote breaks the statement.
