@@ -1,14 +1,8 @@
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include "automation/interfaz.h"
 #include "comun/objeto_grabador.h"
-#include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/impresora.h"
 #include "kaloimpresora/paramdata.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::NumeroDeError;
 
 namespace {
 

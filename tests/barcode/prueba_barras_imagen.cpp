@@ -2,28 +2,16 @@
 // records and asks of the utility object, and what zbar, a decoder independent
 // of every encoder here, reads on a preview after a host draws them.
 
-#include <gtest/gtest.h>
-
-#include <QImage>
-#include <algorithm>
-#include <functional>
-#include <string>
-#include <vector>
+#include "comun/prueba.h"
 
 #include "barcode/imagenes_zint.h"
 #include "comun/impresora_con_grabadores.h"
 #include "comun/lectura_de_barras.h"
 #include "comun/lectura_de_reporte.h"
-#include "comun/utilerias_de_prueba.h"
 #include "kaloimpresora/superficies.h"
 #include "target/imagen.h"
 
-using namespace kalo;
-using namespace Qt::StringLiterals;
 using namespace zbar;
-using kalo::prueba::Lectura;
-using kalo::prueba::Lee;
-using kalo::prueba::NumeroDeError;
 
 namespace {
 

@@ -2,29 +2,18 @@
 // targets, with the record, the message box and the errors. Pixels and zbar
 // decodes of the drawn symbol are in prueba_barras_imagen.cpp.
 
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QTimer>
-#include <functional>
-#include <map>
 
 #include "barcode/cls_barcode39.h"
 #include "comun/impresora_con_grabadores.h"
 #include "comun/lectura_de_reporte.h"
-#include "comun/utilerias_de_prueba.h"
 #include "kaloimpresora/mensajes.h"
 #include "runtime/aplicacion.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::Comandos;
-using kalo::prueba::Llamado;
-using kalo::prueba::NumeroDeError;
-using kalo::prueba::ObjetoGrabador;
 
 namespace {
 

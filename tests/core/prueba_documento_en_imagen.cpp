@@ -1,19 +1,12 @@
 // Pictures in the common file formats, drawn by a document on a real image
 // preview and checked by their pixels.
 
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include <QColor>
-#include <QFile>
-#include <QImage>
-#include <QTemporaryDir>
 
-#include "kaloimpresora/impresora.h"
 #include "kaloimpresora/superficies.h"
 #include "target/imagen.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,20 +1,11 @@
 // Lines, boxes, circles and pictures through recording targets.
 
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QFile>
-#include <QImage>
 
 #include "comun/impresora_con_grabadores.h"
-#include "comun/utilerias_de_prueba.h"
 #include "target/imagen.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::NumeroDeError;
-using kalo::prueba::ObjetoGrabador;
 
 namespace {
 

@@ -1,12 +1,4 @@
-#include <gtest/gtest.h>
-
-#include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/impresora.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::ConLocal;
-using kalo::prueba::NumeroDeError;
+#include "comun/prueba.h"
 
 namespace {
 

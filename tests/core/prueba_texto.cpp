@@ -1,15 +1,9 @@
 // Text and font methods: what they record and what they ask of the target.
 
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include "comun/impresora_con_grabadores.h"
 #include "comun/lectura_de_reporte.h"
-#include "comun/utilerias_de_prueba.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::NumeroDeError;
-using kalo::prueba::Renglones;
 
 namespace {
 

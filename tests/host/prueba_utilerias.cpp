@@ -1,14 +1,6 @@
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include <thread>
-
-#include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/impresora.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::ConLocal;
-using kalo::prueba::NumeroDeError;
 
 namespace {
 

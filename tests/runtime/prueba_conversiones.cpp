@@ -1,21 +1,9 @@
-#include <QLocale>
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
-#include <cmath>
-#include <limits>
-#include <string>
-#include <string_view>
 #include <thread>
-
-#include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/automatizacion.h"
-#include "kaloimpresora/conversiones.h"
 
 namespace kalo {
 namespace {
-
-using prueba::NumeroDeError;
-using prueba::ObjetoConValor;
 
 std::string U8(const QString& s) { return s.toStdString(); }
 

@@ -1,18 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <string>
-
-#include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/automatizacion.h"
-#include "kaloimpresora/errores.h"
-#include "kaloimpresora/variant.h"
+#include "comun/prueba.h"
 
 namespace kalo {
 namespace {
-
-using prueba::ConLocal;
-using prueba::NumeroDeError;
-using prueba::ObjetoConValor;
 
 // Type and text; Null and Nothing have no text to show.
 std::string Describe(const Variant& v) {

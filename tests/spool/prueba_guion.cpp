@@ -3,19 +3,12 @@
 
 #include <sqlite3.h>
 
-#include <QFile>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include "comun/impresora_con_grabadores.h"
 #include "comun/lectura_de_reporte.h"
-#include "comun/utilerias_de_prueba.h"
 #include "spool/conexion.h"
 #include "spool/guion.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using namespace kalo::prueba;
 
 namespace {
 

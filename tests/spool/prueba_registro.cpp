@@ -1,24 +1,13 @@
 // The report spool file, read back with SQLite.
 
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QFileInfo>
 #include <QProcess>
-#include <QRegularExpression>
-#include <QTemporaryDir>
 
 #include "core/privado.h"
 #include "comun/lectura_de_reporte.h"
 #include "comun/objeto_grabador.h"
-#include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/impresora.h"
-#include "kaloimpresora/impresoras.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using namespace kalo::prueba;
 
 namespace {
 

@@ -2,22 +2,12 @@
 // document printed directly, whole or a page at a time. How the command
 // reports files it cannot read is in tests/tools/prueba_herramienta.cpp.
 
-#include <QFile>
-#include <QImage>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include "comun/objeto_grabador.h"
-#include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/impresora.h"
-#include "kaloimpresora/impresoras.h"
 #include "spool/reproduccion.h"
 #include "target/impresora_de_imagenes.h"
 #include "target/modulo4.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::Escribe;
 
 namespace {
 

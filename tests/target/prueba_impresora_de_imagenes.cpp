@@ -2,14 +2,9 @@
 // over, and the sheet and resolution of each page. The drawing itself is the
 // preview surfaces'; the sheet members are shared with the system printer.
 
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
-#include "comun/utilerias_de_prueba.h"
 #include "target/impresora_de_imagenes.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::NumeroDeError;
 
 namespace {
 

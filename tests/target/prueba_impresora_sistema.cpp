@@ -2,19 +2,11 @@
 // read back with the poppler tools. The print-server side is in
 // tests/cups/prueba_impresora_cups.cpp.
 
-#include <QDir>
-#include <QRegularExpression>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include "comun/herramientas_pdf.h"
-#include "comun/utilerias_de_prueba.h"
 #include "target/imagen.h"
 #include "target/impresora_sistema.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using namespace kalo::prueba;
 
 namespace {
 

@@ -1,18 +1,10 @@
 // The drawing-target layer, watched through recording targets: the calls it
 // makes on the preview target and on the printer, and their values.
 
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include "comun/objeto_grabador.h"
-#include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/impresora.h"
-#include "kaloimpresora/impresoras.h"
 #include "target/modulo4.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::NumeroDeError;
-using kalo::prueba::ObjetoGrabador;
 
 namespace {
 

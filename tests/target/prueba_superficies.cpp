@@ -1,26 +1,16 @@
 // The preview surfaces driven only by member name, as the drawing-target layer
 // drives them, checked on the pixels they leave.
 
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include <QApplication>
 #include <QPainter>
-#include <QTemporaryDir>
-#include <cmath>
 #include <numbers>
-#include <optional>
 
-#include "comun/utilerias_de_prueba.h"
 #include "kaloimpresora/superficies.h"
 #include "runtime/aplicacion.h"
 #include "target/imagen.h"
 #include "target/lienzo.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::Aplica;
-using kalo::prueba::NumeroDeError;
-using kalo::prueba::Paso;
 
 namespace {
 

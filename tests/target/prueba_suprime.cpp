@@ -2,17 +2,10 @@
 // job is left alone), and the PDF printer that writes every job to one named
 // file. A page printed alone after suppressed ones is proven in replay.
 
-#include <QDir>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include "comun/herramientas_pdf.h"
-#include "comun/utilerias_de_prueba.h"
 #include "target/impresora_sistema.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using namespace kalo::prueba;
 
 namespace {
 

@@ -1,16 +1,7 @@
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
-#include <limits>
-
-#include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/impresora.h"
 #include "text/aleatorio.h"
 #include "text/importe_en_letra.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::ConLocal;
-using kalo::prueba::NumeroDeError;
 
 namespace {
 

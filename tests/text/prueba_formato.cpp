@@ -1,17 +1,7 @@
 #include <QDate>
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
-#include <cmath>
-#include <string>
-#include <string_view>
-
-#include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/conversiones.h"
 #include "text/formato.h"
-
-using namespace kalo;
-using kalo::prueba::ConLocal;
-using kalo::prueba::NumeroDeError;
 
 namespace {
 

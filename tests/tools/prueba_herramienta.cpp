@@ -1,20 +1,12 @@
 // The kaloimpresora command run as a user runs it: exit codes, messages
 // naming file, page and row, and the files it writes.
 
-#include <QDir>
-#include <QFile>
-#include <QImage>
+#include "comun/prueba.h"
 #include <QProcess>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 #include "comun/herramientas_pdf.h"
-#include "comun/utilerias_de_prueba.h"
 #include "runtime/aplicacion.h"
 #include "visor.h"
-
-using namespace Qt::StringLiterals;
-using kalo::prueba::LeePdf;
 
 namespace {
 
