@@ -56,25 +56,4 @@ inline QStringList Comandos(const QString& archivo) {
     return r;
 }
 
-// One recorded command with the values stored beside it.
-struct Renglon {
-    QString source;
-    double nrow, ncol;
-    QString contenido, fuente;
-    double fsize;
-    int bold, italic;
-};
-
-inline std::vector<Renglon> Renglones(const QString& archivo) {
-    std::vector<Renglon> r;
-    RecorreConsulta(archivo,
-                    "SELECT source, nrow, ncol, contenido, fuente, fsize, bold, italic FROM source ORDER BY row",
-                    [&](sqlite3_stmt* s) {
-                        r.push_back({TextoDeColumna(s, 0), sqlite3_column_double(s, 1), sqlite3_column_double(s, 2),
-                                     TextoDeColumna(s, 3), TextoDeColumna(s, 4), sqlite3_column_double(s, 5),
-                                     sqlite3_column_int(s, 6), sqlite3_column_int(s, 7)});
-                    });
-    return r;
-}
-
 }  // namespace kalo::prueba

@@ -12,24 +12,14 @@
 
 namespace kalo::prueba {
 
-// Runs the body and reports the automation error number it raised, or 0.
+// Runs the body and reports the automation error number it raised, or 0;
+// with descripcion, the error's description too.
 template <class F>
-int32_t NumeroDeError(F&& cuerpo) {
+int32_t NumeroDeError(F&& cuerpo, QString* descripcion = nullptr) {
     try {
         cuerpo();
     } catch (const ErrorDeAutomatizacion& e) {
-        return e.numero();
-    }
-    return 0;
-}
-
-// The same, keeping the error's description too.
-template <class F>
-int32_t NumeroDeError(F&& cuerpo, QString& descripcion) {
-    try {
-        cuerpo();
-    } catch (const ErrorDeAutomatizacion& e) {
-        descripcion = e.descripcion();
+        if (descripcion) *descripcion = e.descripcion();
         return e.numero();
     }
     return 0;
@@ -81,13 +71,6 @@ class ConLocal {
 public:
     explicit ConLocal(const char* nombre) { EstableceLocalDelUsuario(QLocale(QString::fromLatin1(nombre))); }
     ~ConLocal() { EstableceLocalDelUsuario(std::nullopt); }
-};
-
-// Puts a utility object in place for the life of the object.
-class ConUtilerias {
-public:
-    explicit ConUtilerias(std::shared_ptr<Utilerias> u) { SustituyeUtilerias(std::move(u)); }
-    ~ConUtilerias() { SustituyeUtilerias(nullptr); }
 };
 
 }  // namespace kalo::prueba

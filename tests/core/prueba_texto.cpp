@@ -12,12 +12,10 @@ using Texto = prueba::ConImpresoraYVistaGrabadoras<>;
 TEST_F(Texto, SayRegistraLaRejillaYEscribeElTextoSinCambiar) {
     imp.IniciaDocumento();
     imp.Say(1, 2, u"a\"b'c"_s);
-    const auto r = Renglones(imp.DB);
-    ASSERT_EQ(r.size(), 2u);
-    EXPECT_EQ(r[1].source, u"Say Fn(\"1\"),Fn(\"2\"),\"a''b'c\"\r\n"_s);
-    EXPECT_DOUBLE_EQ(r[1].nrow, 6);
-    EXPECT_DOUBLE_EQ(r[1].ncol, 2 / (8.5 / 80));
-    EXPECT_EQ(r[1].contenido, u"a\"b'c"_s);
+    // nrow and ncol in the 66 x 80 grid: 1 / (11 / 66) and 2 / (8.5 / 80).
+    EXPECT_EQ(Consulta(imp.DB, "SELECT source, nrow, ncol, contenido FROM source WHERE row = 2"),
+              (std::vector<Fila>{
+                  {u"Say Fn(\"1\"),Fn(\"2\"),\"a''b'c\"\r\n"_s, u"6.0"_s, u"18.8235294117647"_s, u"a\"b'c"_s}}));
     EXPECT_EQ(vista->Registro().mid(vista->Registro().size() - 3),
               (QStringList{u"Asigna currentx=2"_s, u"Asigna currenty=1"_s, u"Llama print(a\"b'c)"_s}));
 }
@@ -46,7 +44,7 @@ TEST_F(Texto, LosErroresDeConversionLleganAntesDeRegistrar) {
     EXPECT_EQ(imp.nLinea, 1);
     imp.CurrentY(2);
     EXPECT_EQ(imp.nLinea, 2);
-    EXPECT_EQ(Renglones(imp.DB).size(), 2u);
+    EXPECT_EQ(Comandos(imp.DB).size(), 2);
 }
 
 // The message itself reaches the target, not its text.
@@ -56,7 +54,7 @@ TEST_F(Texto, PorNombreComoLoLlamaElAnfitrion) {
     EXPECT_TRUE(vista->Valor(u"CurrentY"_s).identico(Variant(0.5)));
     EXPECT_TRUE(vista->Valor(u"CurrentX"_s).identico(Variant(1.0625)));
     EXPECT_TRUE(vista->De(u"Print"_s).back().argumentos[0].identico(Variant(1234)));
-    EXPECT_EQ(Renglones(imp.DB).back().source, u"Say Fn(\"0.5\"),Fn(\"1.0625\"),\"1234\"\r\n"_s);
+    EXPECT_EQ(Comandos(imp.DB).last(), u"Say Fn(\"0.5\"),Fn(\"1.0625\"),\"1234\"\r\n"_s);
 }
 
 }  // namespace
