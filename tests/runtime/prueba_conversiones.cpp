@@ -2,7 +2,6 @@
 
 #include <thread>
 
-namespace kalo {
 namespace {
 
 std::string U8(const QString& s) { return s.toStdString(); }
@@ -31,130 +30,67 @@ INSTANTIATE_TEST_SUITE_P(Locales, PorLocal, ::testing::Values("en_US", "es_ES"),
                          [](const auto& info) { return std::string(info.param); });
 
 TEST_P(PorLocal, TextoDeValores) {
-    struct Caso {
-        Variant valor;
-        const char* enUs;
-        const char* esEs;
-    };
-    const Caso casos[] = {
-        {1.0 / 3, "0.333333333333333", "0,333333333333333"},
-        {1e15, "1E+15", "1E+15"},
-        {1e-5, "1E-05", "1E-05"},
-        {-1e-300, "-1E-300", "-1E-300"},
-        {123456789012345.0, "123456789012345", "123456789012345"},
-        {1234567890123456.0, "1.23456789012346E+15", "1,23456789012346E+15"},
-        {0.0001, "0.0001", "0,0001"},
-        {-0.0, "0", "0"},
-        {1.0f / 3, "0.3333333", "0,3333333"},
-        {1e7f, "1E+07", "1E+07"},
+    const std::tuple<Variant, const char*, const char*> casos[] = {
+        {1.0 / 3, "0.333333333333333", "0,333333333333333"}, {1e15, "1E+15", "1E+15"}, {1e-5, "1E-05", "1E-05"},
+        {-1e-300, "-1E-300", "-1E-300"}, {123456789012345.0, "123456789012345", "123456789012345"},
+        {1234567890123456.0, "1.23456789012346E+15", "1,23456789012346E+15"}, {0.0001, "0.0001", "0,0001"},
+        {-0.0, "0", "0"}, {1.0f / 3, "0.3333333", "0,3333333"}, {1e7f, "1E+07", "1E+07"},
         {Variant::Fecha(43835), "1/5/2020", "5/1/2020"},
         {Variant::Fecha(43835.5625), "1/5/2020 1:30:00 PM", "5/1/2020 13:30:00"},
-        {Variant::Fecha(0.5625), "1:30:00 PM", "13:30:00"},
-        {Moneda{125000}, "12.5", "12,5"},
-        {Moneda{-1}, "-0.0001", "-0,0001"},
-        {Moneda{30000}, "3", "3"},
-        {Moneda{INT64_MIN}, "-922337203685477.5808", "-922337203685477,5808"},
-        {int16_t{-32768}, "-32768", "-32768"},
-        {int32_t{2147483647}, "2147483647", "2147483647"},
-        {true, "True", "True"},
-        {false, "False", "False"},
-        {Variant(), "", ""},
-        {"texto", "texto", "texto"},
-        {Variant::Falta(), "Error 448", "Error 448"},
+        {Variant::Fecha(0.5625), "1:30:00 PM", "13:30:00"}, {Moneda{125000}, "12.5", "12,5"},
+        {Moneda{-1}, "-0.0001", "-0,0001"}, {Moneda{30000}, "3", "3"},
+        {Moneda{INT64_MIN}, "-922337203685477.5808", "-922337203685477,5808"}, {int16_t{-32768}, "-32768", "-32768"},
+        {int32_t{2147483647}, "2147483647", "2147483647"}, {true, "True", "True"}, {false, "False", "False"},
+        {Variant(), "", ""}, {"texto", "texto", "texto"}, {Variant::Falta(), "Error 448", "Error 448"},
     };
-    for (const Caso& c : casos)
-        EXPECT_EQ(U8(CStr(c.valor)), Segun(c.enUs, c.esEs)) << "se esperaba " << c.enUs;
+    for (const auto& [valor, enUs, esEs] : casos) EXPECT_EQ(U8(CStr(valor)), Segun(enUs, esEs)) << "se esperaba " << enUs;
 }
 
 TEST_P(PorLocal, LecturaDeTextoNumerico) {
-    struct Caso {
-        const char* texto;
-        double enUs;
-        double esEs;
-        int32_t errorEnUs;
-        int32_t errorEsEs;
-    };
-    const Caso casos[] = {
-        {"1,234.5", 1234.5, 0, 0, 13},
-        {"1.234,5", 0, 1234.5, 13, 0},
+    // Text, the number read in en_US and in es_ES, and the error in each.
+    const std::tuple<const char*, double, double, int32_t, int32_t> casos[] = {
+        {"1,234.5", 1234.5, 0, 0, 13}, {"1.234,5", 0, 1234.5, 13, 0},
         {"1.5", 1.5, 15, 0, 0},  // "." groups digits in es_ES
-        {"1,2,3", 123, 0, 0, 13},
-        {"  -12\t", -12, -12, 0, 0},
-        {"12-", -12, -12, 0, 0},
-        {"+ 3", 3, 3, 0, 0},
-        {"(5)", -5, -5, 0, 0},
-        {"$5", 5, 0, 0, 13},
-        {"(5 €)", 0, -5, 13, 0},
-        {"1d-2", 0.01, 0.01, 0, 0},
-        {"2.5e-1", 0.25, 2.5, 0, 0},
-        {"&HFFFF", -1, -1, 0, 0},
-        {"&h1f", 31, 31, 0, 0},
-        {"&O17", 15, 15, 0, 0},
-        {"&HFFFFF", 1048575, 1048575, 0, 0},
-        {"&H80000000", -2147483648.0, -2147483648.0, 0, 0},
-        {"&HG", 0, 0, 13, 13},
-        {"&H123456789", 0, 0, 13, 13},
-        {"1E400", 0, 0, 6, 6},
-        {"abc", 0, 0, 13, 13},
-        {"   ", 0, 0, 13, 13},
-        {"1E", 0, 0, 13, 13},
-        {"(5", 0, 0, 13, 13},
-        {"-(5)", 0, 0, 13, 13},
-        {"--5", 0, 0, 13, 13},
-        {"5x", 0, 0, 13, 13},
+        {"1,2,3", 123, 0, 0, 13}, {"  -12\t", -12, -12, 0, 0}, {"12-", -12, -12, 0, 0}, {"+ 3", 3, 3, 0, 0},
+        {"(5)", -5, -5, 0, 0}, {"$5", 5, 0, 0, 13}, {"(5 €)", 0, -5, 13, 0}, {"1d-2", 0.01, 0.01, 0, 0},
+        {"2.5e-1", 0.25, 2.5, 0, 0}, {"&HFFFF", -1, -1, 0, 0}, {"&h1f", 31, 31, 0, 0}, {"&O17", 15, 15, 0, 0},
+        {"&HFFFFF", 1048575, 1048575, 0, 0}, {"&H80000000", -2147483648.0, -2147483648.0, 0, 0},
+        {"&HG", 0, 0, 13, 13}, {"&H123456789", 0, 0, 13, 13}, {"1E400", 0, 0, 6, 6}, {"abc", 0, 0, 13, 13},
+        {"   ", 0, 0, 13, 13}, {"1E", 0, 0, 13, 13}, {"(5", 0, 0, 13, 13}, {"-(5)", 0, 0, 13, 13},
+        {"--5", 0, 0, 13, 13}, {"5x", 0, 0, 13, 13},
     };
-    for (const Caso& c : casos) {
-        SCOPED_TRACE(c.texto);
-        const int32_t error = Segun(c.errorEnUs, c.errorEsEs);
+    for (const auto& [texto, enUs, esEs, errorEnUs, errorEsEs] : casos) {
+        SCOPED_TRACE(texto);
+        const int32_t error = Segun(errorEnUs, errorEsEs);
         double leido = 0;
-        EXPECT_EQ(NumeroDeError([&] { leido = CDbl(c.texto); }), error);
-        if (error == 0) {
-            EXPECT_DOUBLE_EQ(leido, Segun(c.enUs, c.esEs));
-        }
-        EXPECT_EQ(LeeNumero(QString::fromUtf8(c.texto)).has_value(), error != 13);
+        EXPECT_EQ(NumeroDeError([&] { leido = CDbl(texto); }), error);
+        if (error == 0) { EXPECT_DOUBLE_EQ(leido, Segun(enUs, esEs)); }
+        EXPECT_EQ(LeeNumero(QString::fromUtf8(texto)).has_value(), error != 13);
     }
 }
 
 TEST_P(PorLocal, FechasDeTexto) {
-    struct Caso {
-        const char* texto;
-        double serial;
-        const char* soloEn = nullptr;  // the one locale that reads it
+    // Text, serial, and the one locale that reads it (both when null).
+    const std::tuple<const char*, double, const char*> casos[] = {
+        {"2020-01-05", 43835, nullptr}, {"2020-01-05 13:30", 43835.5625, nullptr}, {"1/5/2020", 43835, "en_US"},
+        {"1/5/2020 1:30 PM", 43835.5625, "en_US"}, {"5/1/2020", 43835, "es_ES"}, {"5.1.2020", 43835, "es_ES"},
+        {"5/1/20", 43835, "es_ES"}, {"domingo, 5 de enero de 2020", 43835, "es_ES"},
+        {"January 5, 2020", 43835, nullptr}, {"5-Jan-2020", 43835, nullptr}, {"13:30:00", 0.5625, nullptr},
+        {"1:30:00 PM", 0.5625, nullptr}, {"12:00 AM", 0, nullptr}, {"1900-01-01", 2, nullptr},
+        {"1899-12-29 12:00", -1.5, nullptr},
     };
-    const Caso casos[] = {
-        {"2020-01-05", 43835},
-        {"2020-01-05 13:30", 43835.5625},
-        {"1/5/2020", 43835, "en_US"},
-        {"1/5/2020 1:30 PM", 43835.5625, "en_US"},
-        {"5/1/2020", 43835, "es_ES"},
-        {"5.1.2020", 43835, "es_ES"},
-        {"5/1/20", 43835, "es_ES"},
-        {"domingo, 5 de enero de 2020", 43835, "es_ES"},
-        {"January 5, 2020", 43835},
-        {"5-Jan-2020", 43835},
-        {"13:30:00", 0.5625},
-        {"1:30:00 PM", 0.5625},
-        {"12:00 AM", 0},
-        {"1900-01-01", 2},
-        {"1899-12-29 12:00", -1.5},
-    };
-    for (const Caso& c : casos) {
-        if (c.soloEn && std::string_view(c.soloEn) != GetParam())
-            continue;
-        SCOPED_TRACE(c.texto);
+    for (const auto& [texto, esperado, soloEn] : casos) {
+        if (soloEn && std::string_view(soloEn) != GetParam()) continue;
         double serial = kNaN;
-        EXPECT_EQ(NumeroDeError([&] { serial = CDate(c.texto); }), 0);
-        EXPECT_DOUBLE_EQ(serial, c.serial);
+        EXPECT_EQ(NumeroDeError([&] { serial = CDate(texto); }), 0) << texto;
+        EXPECT_DOUBLE_EQ(serial, esperado) << texto;
     }
-    for (const char* invalido : {"1.5", "1,5", "2020", "abc", "2020-02-30", "25:00", "13/13/2020", "5 enero enero"}) {
-        SCOPED_TRACE(invalido);
-        EXPECT_EQ(NumeroDeError([&] { CDate(invalido); }), 13);
-    }
+    for (const char* invalido : {"1.5", "1,5", "2020", "abc", "2020-02-30", "25:00", "13/13/2020", "5 enero enero"})
+        EXPECT_EQ(NumeroDeError([&] { CDate(invalido); }), 13) << invalido;
     // Text written from a date reads back as the same date.
     for (double serial : {43835.5625, 0.5625, -1.5, -700.25, 2958465.0, -657434.0, 45000.999988425923}) {
         const QString texto = CStr(Variant::Fecha(serial));
-        SCOPED_TRACE(U8(texto));
-        EXPECT_NEAR(CDate(texto), serial, 0.5 / 86400);
+        EXPECT_NEAR(CDate(texto), serial, 0.5 / 86400) << U8(texto);
     }
     EXPECT_EQ(NumeroDeError([] { CStr(Variant::Fecha(3e6)); }), 6);
 }
@@ -201,45 +137,22 @@ TEST(RedondeaPar, MitadesAlPar) {
 }
 
 TEST(ConversionAEntero, RedondeoYLimites) {
-    struct Caso {
-        Variant valor;
-        int32_t cint;  // meaningful only when errorCInt is 0
-        int32_t errorCInt;
-        int32_t clng;
-        int32_t errorCLng;
-    };
-    const Caso casos[] = {
-        {2.5, 2, 0, 2, 0},
-        {32767.4, 32767, 0, 32767, 0},
-        {32767.5, 0, 6, 32768, 0},
-        {-32768.5, -32768, 0, -32768, 0},
-        {-32768.6, 0, 6, -32769, 0},
-        {2147483646.5, 0, 6, 2147483646, 0},
-        {2147483647.5, 0, 6, 0, 6},
-        {-2147483648.5, 0, 6, INT32_MIN, 0},
-        {Moneda{25000}, 2, 0, 2, 0},
-        {Moneda{35000}, 4, 0, 4, 0},
-        {Moneda{-25000}, -2, 0, -2, 0},
-        {Moneda{-25001}, -3, 0, -3, 0},
-        {true, -1, 0, -1, 0},
-        {Variant(), 0, 0, 0, 0},
-        {kNaN, 0, 6, 0, 6},
-        {Variant::Nulo(), 0, 94, 0, 94},
-        {Variant::Falta(), 0, 13, 0, 13},
+    // Value, CInt's result and error, CLng's result and error (a result counts only without its error).
+    const std::tuple<Variant, int32_t, int32_t, int32_t, int32_t> casos[] = {
+        {2.5, 2, 0, 2, 0}, {32767.4, 32767, 0, 32767, 0}, {32767.5, 0, 6, 32768, 0}, {-32768.5, -32768, 0, -32768, 0},
+        {-32768.6, 0, 6, -32769, 0}, {2147483646.5, 0, 6, 2147483646, 0}, {2147483647.5, 0, 6, 0, 6},
+        {-2147483648.5, 0, 6, INT32_MIN, 0}, {Moneda{25000}, 2, 0, 2, 0}, {Moneda{35000}, 4, 0, 4, 0},
+        {Moneda{-25000}, -2, 0, -2, 0}, {Moneda{-25001}, -3, 0, -3, 0}, {true, -1, 0, -1, 0}, {Variant(), 0, 0, 0, 0},
+        {kNaN, 0, 6, 0, 6}, {Variant::Nulo(), 0, 94, 0, 94}, {Variant::Falta(), 0, 13, 0, 13},
         {Variant::Nada(), 0, 91, 0, 91},
     };
-    for (const Caso& c : casos) {
-        SCOPED_TRACE(testing::Message() << "tipo " << int(c.valor.tipo()) << ", cint " << c.cint);
-        int32_t cint = 0;
-        int32_t clng = 0;
-        EXPECT_EQ(NumeroDeError([&] { cint = CInt(c.valor); }), c.errorCInt);
-        EXPECT_EQ(NumeroDeError([&] { clng = CLng(c.valor); }), c.errorCLng);
-        if (c.errorCInt == 0) {
-            EXPECT_EQ(cint, c.cint);
-        }
-        if (c.errorCLng == 0) {
-            EXPECT_EQ(clng, c.clng);
-        }
+    for (const auto& [valor, cint, errorCInt, clng, errorCLng] : casos) {
+        SCOPED_TRACE(testing::Message() << "tipo " << int(valor.tipo()) << ", cint " << cint);
+        int32_t leidoCInt = 0, leidoCLng = 0;
+        EXPECT_EQ(NumeroDeError([&] { leidoCInt = CInt(valor); }), errorCInt);
+        EXPECT_EQ(NumeroDeError([&] { leidoCLng = CLng(valor); }), errorCLng);
+        if (errorCInt == 0) { EXPECT_EQ(leidoCInt, cint); }
+        if (errorCLng == 0) { EXPECT_EQ(leidoCLng, clng); }
     }
 }
 
@@ -256,23 +169,12 @@ TEST(ConversionABooleano, TextosYNumeros) {
 TEST(ConversionAMoneda, RedondeoDecimalYLimites) {
     prueba::ConLocal local("en_US");
     const Caso<int64_t> casos[] = {
-        {2.00005, 20000, 0},     // the decimal half, not the binary value below it
-        {2.00015, 20002, 0},
-        {-1.23455, -12346, 0},
-        {0.00005, 0, 0},
-        {1.1f, 11000, 0},
-        {922337203685477.0, 9223372036854770000, 0},
-        {"922337203685477.5807", INT64_MAX, 0},
-        {"-922337203685477.5808", INT64_MIN, 0},
-        {"922337203685477.5808", 0, 6},
-        {"0.00025", 2, 0},
-        {"0.000250001", 3, 0},
-        {1e15, 0, 6},
-        {kNaN, 0, 6},
-        {int32_t{-7}, -70000, 0},
-        {true, -10000, 0},
-        {"x", 0, 13},
-        {Variant::Nulo(), 0, 94},
+        {2.00005, 20000, 0},  // the decimal half, not the binary value below it
+        {2.00015, 20002, 0}, {-1.23455, -12346, 0}, {0.00005, 0, 0}, {1.1f, 11000, 0},
+        {922337203685477.0, 9223372036854770000, 0}, {"922337203685477.5807", INT64_MAX, 0},
+        {"-922337203685477.5808", INT64_MIN, 0}, {"922337203685477.5808", 0, 6}, {"0.00025", 2, 0},
+        {"0.000250001", 3, 0}, {1e15, 0, 6}, {kNaN, 0, 6}, {int32_t{-7}, -70000, 0}, {true, -10000, 0},
+        {"x", 0, 13}, {Variant::Nulo(), 0, 94},
     };
     Comprueba(casos, [](const Variant& v) { return CCur(v).escalado; });
 }
@@ -320,4 +222,3 @@ TEST(ConversionASencillo, DesbordamientoYNull) {
 }
 
 }  // namespace
-}  // namespace kalo
