@@ -96,21 +96,14 @@ TEST(Despacho, LlamadasPorNombreYPorId) {
     std::tuple<const char*, Llamada, std::vector<Variant>, int32_t> casos[] = {
         {"NoExiste", LeePropiedad, {}, 438},
         // Let on an object property, set on a value property, assignment to a method.
-        {"Imagen1", AsignaValor, {objeto}, 438},
-        {"nRow", AsignaReferencia, {3.0}, 438},
+        {"Imagen1", AsignaValor, {objeto}, 438}, {"nRow", AsignaReferencia, {3.0}, 438},
         {"Block", AsignaValor, {3.0}, 438},
         {"Imagen2", AsignaReferencia, {3.0}, 424},  // set with what is not an object
         // A read with arguments, an assignment without.
-        {"nRow", LeePropiedad, {3.0}, 450},
-        {"nRow", AsignaValor, {}, 450},
-        {"Replicate", Metodo, {"-"}, 449},
-        {"Replicate", Metodo, {Variant::Falta(), 3}, 449},
-        {"Replicate", Metodo, {"-", 3, 4}, 450},
-        {"Block", Metodo, {}, 449},
-        {"Say", Metodo, {1, 2}, 449},
-        {"IniciaDocumento", Metodo, {1}, 450},
-        {"Fn", Metodo, {Variant::Nulo()}, 94},
-        {"Copias", Metodo, {"muchas"}, 13},
+        {"nRow", LeePropiedad, {3.0}, 450}, {"nRow", AsignaValor, {}, 450}, {"Replicate", Metodo, {"-"}, 449},
+        {"Replicate", Metodo, {Variant::Falta(), 3}, 449}, {"Replicate", Metodo, {"-", 3, 4}, 450},
+        {"Block", Metodo, {}, 449}, {"Say", Metodo, {1, 2}, 449}, {"IniciaDocumento", Metodo, {1}, 450},
+        {"Fn", Metodo, {Variant::Nulo()}, 94}, {"Copias", Metodo, {"muchas"}, 13},
         {"Bar128", Metodo, {70000, "123", 0, 0, 1, 1}, 6},
         {"AbrirCajonDeDinero", Metodo, {"COM1", "7"}, 445},  // not available yet
     };

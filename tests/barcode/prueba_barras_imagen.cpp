@@ -214,19 +214,15 @@ TEST(LecturaDeBarras, Codigo39EnLaVista) {
     const std::tuple<Variant, QString, Variant, bool, std::string> casos[] = {
         {20, u"12345"_s, omitido, false, "12345"},
         // zbar hands the check character back as data.
-        {20, u"12345"_s, int16_t{1}, false, "12345F"},
-        {20, u"12345"_s, u"1"_s, false, "12345F"},
+        {20, u"12345"_s, int16_t{1}, false, "12345F"}, {20, u"12345"_s, u"1"_s, false, "12345F"},
         {20, u"12345"_s, true, false, "12345"},  // true is not the number 1
-        {20, u"12345"_s, Variant::Nulo(), false, "12345"},
-        {20, u"ABC-12"_s, omitido, false, "ABC-12"},
-        {20, u"*ABC-12*"_s, omitido, false, "ABC-12"},
-        {30, u"CODE 39"_s, int16_t{1}, false, "CODE 39R"},
+        {20, u"12345"_s, Variant::Nulo(), false, "12345"}, {20, u"ABC-12"_s, omitido, false, "ABC-12"},
+        {20, u"*ABC-12*"_s, omitido, false, "ABC-12"}, {30, u"CODE 39"_s, int16_t{1}, false, "CODE 39R"},
         // The frame stands 150 twips off the bars: a full quiet zone of ten
         // narrows while the narrow is at most 15.
         {15, u"ABC-12"_s, int16_t{1}, true, "ABC-12T"},
         // Below the minimum: drawn at 11 twips.
-        {int16_t{5}, u"ABC-12"_s, int16_t{1}, false, "ABC-12T"},
-        {int16_t{5}, u"*ABC-12*"_s, omitido, true, "ABC-12"},
+        {int16_t{5}, u"ABC-12"_s, int16_t{1}, false, "ABC-12T"}, {int16_t{5}, u"*ABC-12*"_s, omitido, true, "ABC-12"},
         // Every character's pattern, read by a decoder that knows the symbology.
         {15, u"0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ-. $/+%"_s, omitido, false,
          "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ-. $/+%"},

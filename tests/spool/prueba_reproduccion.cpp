@@ -79,10 +79,7 @@ TEST_F(Reproduccion, CadaPaginaElegidaSaleIgualQueEnElDocumentoDirecto) {
         std::vector<std::pair<int, int>> rangos;
         std::vector<size_t> esperadas;  // indices into the direct pages
     } casos[] = {
-        {{}, {0, 1, 2}},
-        {{{3, 3}}, {2}},
-        {{{2, INT32_MAX}}, {1, 2}},
-        {{{1, 1}, {3, 3}}, {0, 2}},
+        {{}, {0, 1, 2}}, {{{3, 3}}, {2}}, {{{2, INT32_MAX}}, {1, 2}}, {{{1, 1}, {3, 3}}, {0, 2}},
     };
     for (const Caso& c : casos) {
         SCOPED_TRACE(&c - casos);
@@ -164,9 +161,7 @@ TEST(ReproduccionDeGuion, PapelYOrientacionSeRespetanAunEnUnaPaginaSola) {
         std::vector<std::pair<int, int>> rangos;
         std::vector<QSize> tamanos;
     } casos[] = {
-        {{}, {carta, carta, chica}},
-        {{{3, 3}}, {chica}},
-        {{{2, 2}}, {carta}},
+        {{}, {carta, carta, chica}}, {{{3, 3}}, {chica}}, {{{2, 2}}, {carta}},
     };
     for (const Caso& c : casos) {
         OpcionesDeReproduccion o;
@@ -183,13 +178,8 @@ TEST(ReproduccionDeGuion, ListasDePaginas) {
         const char16_t* texto;
         std::optional<R> esperado;
     } casos[] = {
-        {u"1, 4,7-9", R{{1, 1}, {4, 4}, {7, 9}}},
-        {u"10-", R{{10, INT32_MAX}}},
-        {u"0", std::nullopt},
-        {u"5-2", std::nullopt},
-        {u"", std::nullopt},
-        {u"1,,2", std::nullopt},
-        {u"-3", std::nullopt},
+        {u"1, 4,7-9", R{{1, 1}, {4, 4}, {7, 9}}}, {u"10-", R{{10, INT32_MAX}}}, {u"0", std::nullopt},
+        {u"5-2", std::nullopt}, {u"", std::nullopt}, {u"1,,2", std::nullopt}, {u"-3", std::nullopt},
     };
     for (const Caso& c : casos)
         EXPECT_EQ(LeeRangosDePaginas(QString::fromUtf16(c.texto)), c.esperado) << QString::fromUtf16(c.texto).toStdString();

@@ -47,10 +47,8 @@ TEST(ImpresoraImagenes, PaginasEntregadasPorTrabajo) {
         QString pasos;  // Print, NewPage, EndDoc, KillDoc, Suprime, Destruye
         std::vector<int> entregadas;
     } casos[] = {
-        {"nada sin salida", u"EE"_s, {}},
-        {"solo paginas nuevas", u"NNE"_s, {1, 2, 3}},
-        {"dos trabajos", u"PNEPE"_s, {1, 2, 1}},
-        {"KillDoc descarta la pagina en curso", u"PNPKPE"_s, {1, 1}},
+        {"nada sin salida", u"EE"_s, {}}, {"solo paginas nuevas", u"NNE"_s, {1, 2, 3}},
+        {"dos trabajos", u"PNEPE"_s, {1, 2, 1}}, {"KillDoc descarta la pagina en curso", u"PNPKPE"_s, {1, 1}},
         {"suprimido o no, al destruirse entrega lo abierto", u"PNSD"_s, {1, 2}},
     };
     for (const Caso& c : casos) {

@@ -32,10 +32,8 @@ TEST_F(ImpresoraPdf, HojaPorCodigoOrientacionYMedidas) {
         int16_t papel, orientacion;
         int32_t ancho, alto;  // twips
     } casos[] = {
-        {{}, 1, 1, 12240, 15840},
-        {{{u"PaperSize"_s, 9}}, 9, 1, 11906, 16838},
-        {{{u"PaperSize"_s, 5}}, 5, 1, 12240, 20160},
-        {{{u"PaperSize"_s, 11}}, 11, 1, 8391, 11906},
+        {{}, 1, 1, 12240, 15840}, {{{u"PaperSize"_s, 9}}, 9, 1, 11906, 16838},
+        {{{u"PaperSize"_s, 5}}, 5, 1, 12240, 20160}, {{{u"PaperSize"_s, 11}}, 11, 1, 8391, 11906},
         // 256 only names a user-defined sheet; Width and Height make one.
         {{{u"PaperSize"_s, 9}, {u"PaperSize"_s, 256}}, 9, 1, 11906, 16838},
         {{{u"Orientation"_s, 2}}, 1, 2, 15840, 12240},

@@ -21,16 +21,10 @@ TEST(Suprime, LaPosicionSeMueveIgualSinDibujar) {
     auto mide = ImpresoraDelSistema::EnArchivoPdf(carpeta.filePath(u"medido.pdf"_s));
     mide->Asigna(u"Suprime"_s, true);
     const std::vector<Paso> pasos = {
-        {u"=ScaleMode"_s, {int16_t{5}}},
-        {u"Print"_s, {u"uno\r\ndos"_s, true}},
-        {u"=FontSize"_s, {20}},
-        {u"Print"_s, {u"Grande"_s, true}},
-        {u"Cls"_s, {}},
-        {u"Line"_s, {int16_t{4}, 1.0, 1.0, 3.0, 2.0}},
+        {u"=ScaleMode"_s, {int16_t{5}}}, {u"Print"_s, {u"uno\r\ndos"_s, true}}, {u"=FontSize"_s, {20}},
+        {u"Print"_s, {u"Grande"_s, true}}, {u"Cls"_s, {}}, {u"Line"_s, {int16_t{4}, 1.0, 1.0, 3.0, 2.0}},
         {u"Circle"_s, {int16_t{1}, 0.5, 0.5, 0.25}},  // centre relative to the position
-        {u"Scale"_s, {10, 20, 110, 220}},
-        {u"NewPage"_s, {}},
-        {u"Print"_s, {u"z"_s}},
+        {u"Scale"_s, {10, 20, 110, 220}}, {u"NewPage"_s, {}}, {u"Print"_s, {u"z"_s}},
     };
     for (const Paso& p : pasos) {
         SCOPED_TRACE(p.miembro.toStdString());

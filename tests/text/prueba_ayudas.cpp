@@ -150,12 +150,9 @@ TEST(Letra, Palabras) {
 
 TEST(Letra, LeyendasYCentavos) {
     const std::tuple<double, const char*, bool, const char*, const char*> casos[] = {
-        {1, "PESO", true, "M.N.", "UN PESO 00/100 M.N."},
-        {7.05, "PESOS", true, "", "SIETE PESOS 05/100"},
-        {7.05, "", true, "M.N.", "SIETE 05/100 M.N."},
-        {7.05, "", true, "", "SIETE 05/100"},
-        {7.05, "PESOS", false, "M.N.", "SIETE PESOS M.N."},
-        {0.5, "PESOS", true, "M.N.", "CERO PESOS 50/100 M.N."},
+        {1, "PESO", true, "M.N.", "UN PESO 00/100 M.N."}, {7.05, "PESOS", true, "", "SIETE PESOS 05/100"},
+        {7.05, "", true, "M.N.", "SIETE 05/100 M.N."}, {7.05, "", true, "", "SIETE 05/100"},
+        {7.05, "PESOS", false, "M.N.", "SIETE PESOS M.N."}, {0.5, "PESOS", true, "M.N.", "CERO PESOS 50/100 M.N."},
         // Legends go in as given, spaces and case included.
         {2, " pesos ", true, "(m.n.)", "DOS  pesos  00/100 (m.n.)"},
     };
@@ -166,8 +163,7 @@ TEST(Letra, LeyendasYCentavos) {
 
 TEST(Letra, NegativosRedondeoYLimites) {
     const std::pair<double, const char*> casos[] = {
-        {-1, "MENOS UN PESOS 00/100"},
-        {-1234.5, "MENOS MIL DOSCIENTOS TREINTA Y CUATRO PESOS 50/100"},
+        {-1, "MENOS UN PESOS 00/100"}, {-1234.5, "MENOS MIL DOSCIENTOS TREINTA Y CUATRO PESOS 50/100"},
         {-0.25, "MENOS CERO PESOS 25/100"},
         {-0.004, "CERO PESOS 00/100"},  // rounds to nothing: no sign left
         {0.125, "CERO PESOS 13/100"}, {0.124, "CERO PESOS 12/100"},
