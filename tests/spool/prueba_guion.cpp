@@ -14,18 +14,17 @@ namespace {
 
 using Guion = prueba::ConImpresoraYVistaGrabadoras<>;
 
-std::vector<LectorDeReporte::Renglon> TodosLosRenglones(const QString& archivo) {
-    std::vector<LectorDeReporte::Renglon> r;
-    LectorDeReporte lector(archivo);
-    LectorDeReporte::Renglon renglon;
-    while (lector.Siguiente(renglon)) r.push_back(renglon);
-    return r;
+// The word and each argument's type and text.
+std::string Describe(const Comando& c) {
+    QStringList partes{c.palabra};
+    for (const auto& a : c.argumentos) partes << QString::number(static_cast<int>(a.tipo())) + u':' + CStr(a);
+    return partes.join(u" | "_s).toStdString();
 }
 
-QString Describe(const std::vector<Variant>& v) {
-    QStringList partes;
-    for (const auto& a : v) partes << QString::number(static_cast<int>(a.tipo())) + u':' + CStr(a);
-    return partes.join(u" | "_s);
+bool Iguales(const Comando& a, const Comando& b) {
+    return a.palabra == b.palabra && std::ranges::equal(a.argumentos, b.argumentos, [](const Variant& x, const Variant& y) {
+               return x.identico(y);
+           });
 }
 
 // A database made by hand, statement by statement.
@@ -61,38 +60,34 @@ TEST_F(Guion, CadaRenglonGrabadoSeLeeConLosValoresQueSePasaron) {
     imp.FinDocumento();
 
     const double d = 0;  // type tag for Fn numbers
-    struct Esperado {
-        const char16_t* palabra;
-        int pagina;
-        std::vector<Variant> argumentos;
-    } esperados[] = {
-        {u"IniciaDocumento", 1, {}}, {u"EstableceFuente", 1, {u"Courier New"_s, 10.5}},
-        {u"FontBold", 1, {false}},  // 1 is not the runtime's True
-        {u"FontItalic", 1, {true}}, {u"FuenteTransparente", 1, {false}}, {u"ColorDeFuente", 1, {int32_t{255}}},
-        {u"CurrentX", 1, {0.25}}, {u"CurrentY", 1, {d - 3}}, {u"Say", 1, {d + 1, 2.125, u"a''b"_s}},
-        {u"PaginaNueva", 2, {}}, {u"Linea", 2, {0.5, d + 1, 7.5, d + 1}}, {u"Box", 2, {d + 5, d + 6, d + 7, d + 8}},
-        {u"FilledBox", 2, {d + 1, d + 2, d + 3, d + 4, d + 16711680}}, {u"PCircle", 2, {d + 4, d + 5, 0.75}},
-        {u"Codigo39", 2, {d + 100, d + 200, d + 15, d + 500, u"AB-1"_s, true, false, u"d''1"_s, u"d2"_s}},
-        {u"Bar128", 2, {d + 40, u"AB\"1"_s, d + 1, d + 2, d + 3, 0.5, true}},
-        {u"Bar3de9", 2, {d + 60, u"A\",Fn(\"9\")"_s, d + 0, d + 0, d + 2, d + 1, true, false}},
-        {u"FinDocumento", 2, {}},
+    const std::pair<int, Comando> esperados[] = {
+        {1, {u"IniciaDocumento"_s, {}}}, {1, {u"EstableceFuente"_s, {u"Courier New"_s, 10.5}}},
+        {1, {u"FontBold"_s, {false}}},  // 1 is not the runtime's True
+        {1, {u"FontItalic"_s, {true}}}, {1, {u"FuenteTransparente"_s, {false}}},
+        {1, {u"ColorDeFuente"_s, {int32_t{255}}}}, {1, {u"CurrentX"_s, {0.25}}}, {1, {u"CurrentY"_s, {d - 3}}},
+        {1, {u"Say"_s, {d + 1, 2.125, u"a''b"_s}}}, {2, {u"PaginaNueva"_s, {}}},
+        {2, {u"Linea"_s, {0.5, d + 1, 7.5, d + 1}}}, {2, {u"Box"_s, {d + 5, d + 6, d + 7, d + 8}}},
+        {2, {u"FilledBox"_s, {d + 1, d + 2, d + 3, d + 4, d + 16711680}}}, {2, {u"PCircle"_s, {d + 4, d + 5, 0.75}}},
+        {2, {u"Codigo39"_s, {d + 100, d + 200, d + 15, d + 500, u"AB-1"_s, true, false, u"d''1"_s, u"d2"_s}}},
+        {2, {u"Bar128"_s, {d + 40, u"AB\"1"_s, d + 1, d + 2, d + 3, 0.5, true}}},
+        {2, {u"Bar3de9"_s, {d + 60, u"A\",Fn(\"9\")"_s, d + 0, d + 0, d + 2, d + 1, true, false}}},
+        {2, {u"FinDocumento"_s, {}}},
     };
-    const auto renglones = TodosLosRenglones(imp.DB);
-    ASSERT_EQ(renglones.size(), std::size(esperados));
-    for (size_t i = 0; i < renglones.size(); ++i) {
-        SCOPED_TRACE(renglones[i].source.toStdString());
-        EXPECT_EQ(renglones[i].row, static_cast<int64_t>(i + 1));
-        EXPECT_EQ(renglones[i].pagina, esperados[i].pagina);
+    LectorDeReporte lector(imp.DB);
+    LectorDeReporte::Renglon r;
+    size_t i = 0;
+    for (; lector.Siguiente(r); ++i) {
+        SCOPED_TRACE(r.source.toStdString());
+        ASSERT_LT(i, std::size(esperados));
+        const auto& [pagina, esperado] = esperados[i];
+        EXPECT_EQ(r.row, static_cast<int64_t>(i + 1));
+        EXPECT_EQ(r.pagina, pagina);
         QString error;
-        const auto c = LeeComando(renglones[i].source, &error);
+        const auto c = LeeComando(r.source, &error);
         ASSERT_TRUE(c) << error.toStdString();
-        EXPECT_EQ(c->palabra, QString::fromUtf16(esperados[i].palabra));
-        bool iguales = c->argumentos.size() == esperados[i].argumentos.size();
-        for (size_t j = 0; iguales && j < c->argumentos.size(); ++j)
-            iguales = c->argumentos[j].identico(esperados[i].argumentos[j]);
-        EXPECT_TRUE(iguales) << Describe(c->argumentos).toStdString() << "\n esperados "
-                             << Describe(esperados[i].argumentos).toStdString();
+        EXPECT_TRUE(Iguales(*c, esperado)) << Describe(*c) << "\n esperado " << Describe(esperado);
     }
+    EXPECT_EQ(i, std::size(esperados));
     // Beside the text: the font and the flags as given.
     EXPECT_EQ(Consulta(imp.DB, "SELECT fuente, fsize, bold, italic FROM source WHERE row BETWEEN 2 AND 4"),
               (std::vector<Fila>{{u"Courier New"_s, u"10.5"_s, u"0"_s, u"0"_s},
@@ -106,10 +101,7 @@ TEST_F(Guion, CadaRenglonGrabadoSeLeeConLosValoresQueSePasaron) {
 }
 
 TEST(GuionLeeComando, TextosMalFormadosORehusadosDanUnMensaje) {
-    struct Caso {
-        const char16_t* linea;
-        const char16_t* mensaje;
-    } casos[] = {
+    const std::pair<const char16_t*, const char16_t*> casos[] = {
         {u"", u"vacía"}, {u"\r\n", u"vacía"},
         {u"AbrirCajonDeDinero Fn(\"1\")", u"Comando no permitido en un guion: AbrirCajonDeDinero"},
         {u"ImprimeDialogo", u"Comando no permitido en un guion: ImprimeDialogo"}, {u"Say", u"no tiene ninguno"},
@@ -123,60 +115,46 @@ TEST(GuionLeeComando, TextosMalFormadosORehusadosDanUnMensaje) {
         {u"Bar128 Fn(\"40\"),\"AB\"1\",Fn(\"1\"),Fn(\"2\"),Fn(\"3\"),Fn(\"0.5\")", u"antes del argumento 7"},
         {u"EstableceImpresora \"HP", u"texto sin cerrar"},
     };
-    for (const auto& c : casos) {
-        const QString linea = QString::fromUtf16(c.linea);
-        SCOPED_TRACE(linea.toStdString());
+    for (const auto& [texto, mensaje] : casos) {
+        const QString linea = QString::fromUtf16(texto);
         QString error;
-        EXPECT_FALSE(LeeComando(linea, &error));
-        EXPECT_TRUE(error.contains(QString::fromUtf16(c.mensaje))) << error.toStdString();
+        EXPECT_FALSE(LeeComando(linea, &error)) << linea.toStdString();
+        EXPECT_TRUE(error.contains(QString::fromUtf16(mensaje))) << linea.toStdString() << ": " << error.toStdString();
     }
 }
 
 TEST(GuionLeeComando, TextosEscritosAManoTambienSeLeen) {
-    struct Caso {
-        const char16_t* linea;
-        const char16_t* palabra;
-        std::vector<Variant> argumentos;
-    } casos[] = {
-        {u"fontitalic False\n", u"FontItalic", {false}},
-        {u"EstableceImpresora \"La \"rápida\"\"", u"EstableceImpresora", {u"La \"rápida\""_s}},
-        {u"EstableceImpresora \"\"", u"EstableceImpresora", {QString()}},
-        {u"PaperSize Fn(\"256\"),Fn(\"-.5\"),Fn(\"11.\")", u"PaperSize", {256.0, -0.5, 11.0}},
-        {u"ColorDeFuente 0.5", u"ColorDeFuente", {0.5}},
+    const std::pair<const char16_t*, Comando> casos[] = {
+        {u"fontitalic False\n", {u"FontItalic"_s, {false}}},
+        {u"EstableceImpresora \"La \"rápida\"\"", {u"EstableceImpresora"_s, {u"La \"rápida\""_s}}},
+        {u"EstableceImpresora \"\"", {u"EstableceImpresora"_s, {QString()}}},
+        {u"PaperSize Fn(\"256\"),Fn(\"-.5\"),Fn(\"11.\")", {u"PaperSize"_s, {256.0, -0.5, 11.0}}},
+        {u"ColorDeFuente 0.5", {u"ColorDeFuente"_s, {0.5}}},
         {u"Picture \"c:\\a,b\".bmp\",Fn(\"1\"),Fn(\"2\"),Fn(\"3\"),Fn(\"4\")",
-         u"Picture",
-         {u"c:\\a,b\".bmp"_s, 1.0, 2.0, 3.0, 4.0}},
+         {u"Picture"_s, {u"c:\\a,b\".bmp"_s, 1.0, 2.0, 3.0, 4.0}}},
     };
-    for (const auto& c : casos) {
-        SCOPED_TRACE(QString::fromUtf16(c.linea).toStdString());
+    for (const auto& [linea, esperado] : casos) {
         QString error;
-        const auto leido = LeeComando(QString::fromUtf16(c.linea), &error);
+        const auto leido = LeeComando(QString::fromUtf16(linea), &error);
         ASSERT_TRUE(leido) << error.toStdString();
-        EXPECT_EQ(leido->palabra, QString::fromUtf16(c.palabra));
-        ASSERT_EQ(leido->argumentos.size(), c.argumentos.size());
-        for (size_t j = 0; j < c.argumentos.size(); ++j)
-            EXPECT_TRUE(leido->argumentos[j].identico(c.argumentos[j])) << j << ": " << CStr(leido->argumentos[j]).toStdString();
+        EXPECT_TRUE(Iguales(*leido, esperado)) << Describe(*leido) << "\n esperado " << Describe(esperado);
     }
 }
 
 TEST(GuionLector, ArchivosQueNoSonReportesSeNombranEnElError) {
     QTemporaryDir dir;
-    struct Caso {
-        QString archivo;
-        int32_t numero;
-        const char16_t* mensaje;
-    } casos[] = {
+    const std::tuple<QString, int32_t, const char16_t*> casos[] = {
         {dir.filePath(u"no_existe.rep"_s), err::kArchivoNoEncontrado, u"No se encuentra"},
         {Escribe(dir.filePath(u"basura.rep"_s), QByteArray(4096, 'x')), err::kErrorDeBaseDeDatos,
          u"no es un archivo de reporte"},
         {BaseHecha(dir, "sin_tabla.rep", {"CREATE TABLE header( paginas INTEGER )"}), err::kErrorDeBaseDeDatos,
          u"le falta la tabla source"},
     };
-    for (const auto& c : casos) {
+    for (const auto& [archivo, numero, mensaje] : casos) {
         QString descripcion;
-        EXPECT_EQ(NumeroDeError([&] { LectorDeReporte lector(c.archivo); }, &descripcion), c.numero);
-        EXPECT_TRUE(descripcion.contains(QString::fromUtf16(c.mensaje))) << descripcion.toStdString();
-        EXPECT_TRUE(descripcion.contains(c.archivo));
+        EXPECT_EQ(NumeroDeError([&] { LectorDeReporte lector(archivo); }, &descripcion), numero);
+        EXPECT_TRUE(descripcion.contains(QString::fromUtf16(mensaje))) << descripcion.toStdString();
+        EXPECT_TRUE(descripcion.contains(archivo));
     }
     EXPECT_FALSE(QFile::exists(dir.filePath(u"no_existe.rep"_s)));
 }

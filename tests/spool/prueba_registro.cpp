@@ -127,14 +127,11 @@ TEST_F(Registro, UnArchivoInutilizableNoDetieneNada) {
 }
 
 TEST_F(Registro, TextoFnEscribePuntoDecimalYCuatroDecimales) {
-    struct Caso {
-        Variant valor;
-        const char* texto;
-    } casos[] = {{2.5, "Fn(\"2.5\")"},     {2, "Fn(\"2\")"},         {1.23456, "Fn(\"1.2346\")"},
-                 {u"3,5"_s, "Fn(\"3.5\")"}, {-0.00004, "Fn(\"0\")"}, {0.00025, "Fn(\"0.0002\")"}};
+    const std::pair<Variant, const char*> casos[] = {{2.5, "Fn(\"2.5\")"}, {2, "Fn(\"2\")"}, {1.23456, "Fn(\"1.2346\")"},
+                                                     {u"3,5"_s, "Fn(\"3.5\")"}, {-0.00004, "Fn(\"0\")"},
+                                                     {0.00025, "Fn(\"0.0002\")"}};
     ConLocal local("es_ES");
-    for (const auto& c : casos)
-        EXPECT_EQ(TextoFn(c.valor), QString::fromLatin1(c.texto)) << c.texto;
+    for (const auto& [valor, texto] : casos) EXPECT_EQ(TextoFn(valor), QString::fromLatin1(texto)) << texto;
     EXPECT_EQ(NumeroDeError([&] { TextoFn(u"x"_s); }), 13);
 }
 

@@ -75,23 +75,21 @@ protected:
 // A page left out is still run, suppressed, so what it set carries over.
 TEST_F(Reproduccion, CadaPaginaElegidaSaleIgualQueEnElDocumentoDirecto) {
     ASSERT_EQ(directas.size(), 3u);
-    struct Caso {
-        std::vector<std::pair<int, int>> rangos;
-        std::vector<size_t> esperadas;  // indices into the direct pages
-    } casos[] = {
+    // Ranges asked for, and the direct pages they must give.
+    const std::pair<std::vector<std::pair<int, int>>, std::vector<size_t>> casos[] = {
         {{}, {0, 1, 2}}, {{{3, 3}}, {2}}, {{{2, INT32_MAX}}, {1, 2}}, {{{1, 1}, {3, 3}}, {0, 2}},
     };
-    for (const Caso& c : casos) {
-        SCOPED_TRACE(&c - casos);
+    for (const auto& [rangos, esperadas] : casos) {
+        SCOPED_TRACE(esperadas.size());
         OpcionesDeReproduccion o;
-        o.seleccion.rangos = c.rangos;
+        o.seleccion.rangos = rangos;
         ResultadoDeReproduccion r;
         const Paginas p = Imprime(reporte, o, &r);
-        EXPECT_EQ(r.paginasEmitidas, static_cast<int>(c.esperadas.size()));
+        EXPECT_EQ(r.paginasEmitidas, static_cast<int>(esperadas.size()));
         EXPECT_EQ(r.malFormadas, 0);
         EXPECT_EQ(r.errores, 0);
-        ASSERT_EQ(p.size(), c.esperadas.size());
-        for (size_t i = 0; i < p.size(); ++i) EXPECT_TRUE(p[i] == directas[c.esperadas[i]]) << "salida " << i;
+        ASSERT_EQ(p.size(), esperadas.size());
+        for (size_t i = 0; i < p.size(); ++i) EXPECT_TRUE(p[i] == directas[esperadas[i]]) << "salida " << i;
     }
 }
 
@@ -157,32 +155,26 @@ TEST(ReproduccionDeGuion, PapelYOrientacionSeRespetanAunEnUnaPaginaSola) {
                                     "Portrait\nPaperSize Fn(\"256\"),Fn(\"4\"),Fn(\"6\")\nPaginaNueva\n"
                                     "Say Fn(\"1\"),Fn(\"1\"),\"tres\"\nFinDocumento\n");
     const QSize carta(11 * kPpp, qRound(8.5 * kPpp)), chica(4 * kPpp, 6 * kPpp);
-    struct Caso {
-        std::vector<std::pair<int, int>> rangos;
-        std::vector<QSize> tamanos;
-    } casos[] = {
+    const std::pair<std::vector<std::pair<int, int>>, std::vector<QSize>> casos[] = {
         {{}, {carta, carta, chica}}, {{{3, 3}}, {chica}}, {{{2, 2}}, {carta}},
     };
-    for (const Caso& c : casos) {
+    for (const auto& [rangos, tamanos] : casos) {
         OpcionesDeReproduccion o;
-        o.seleccion.rangos = c.rangos;
+        o.seleccion.rangos = rangos;
         const Paginas paginas = Imprime(archivo, o);
-        ASSERT_EQ(paginas.size(), c.tamanos.size());
-        for (size_t i = 0; i < paginas.size(); ++i) EXPECT_EQ(paginas[i].size(), c.tamanos[i]) << i;
+        ASSERT_EQ(paginas.size(), tamanos.size());
+        for (size_t i = 0; i < paginas.size(); ++i) EXPECT_EQ(paginas[i].size(), tamanos[i]) << i;
     }
 }
 
 TEST(ReproduccionDeGuion, ListasDePaginas) {
     using R = std::vector<std::pair<int, int>>;
-    struct Caso {
-        const char16_t* texto;
-        std::optional<R> esperado;
-    } casos[] = {
+    const std::pair<const char16_t*, std::optional<R>> casos[] = {
         {u"1, 4,7-9", R{{1, 1}, {4, 4}, {7, 9}}}, {u"10-", R{{10, INT32_MAX}}}, {u"0", std::nullopt},
         {u"5-2", std::nullopt}, {u"", std::nullopt}, {u"1,,2", std::nullopt}, {u"-3", std::nullopt},
     };
-    for (const Caso& c : casos)
-        EXPECT_EQ(LeeRangosDePaginas(QString::fromUtf16(c.texto)), c.esperado) << QString::fromUtf16(c.texto).toStdString();
+    for (const auto& [texto, esperado] : casos)
+        EXPECT_EQ(LeeRangosDePaginas(QString::fromUtf16(texto)), esperado) << QString::fromUtf16(texto).toStdString();
 }
 
 }  // namespace

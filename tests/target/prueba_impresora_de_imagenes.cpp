@@ -42,19 +42,16 @@ TEST(ImpresoraImagenes, CadaPaginaEsSuHojaEnteraALaResolucionElegida) {
 }
 
 TEST(ImpresoraImagenes, PaginasEntregadasPorTrabajo) {
-    struct Caso {
-        const char* nombre;
-        QString pasos;  // Print, NewPage, EndDoc, KillDoc, Suprime, Destruye
-        std::vector<int> entregadas;
-    } casos[] = {
+    // Steps (Print, NewPage, EndDoc, KillDoc, Suprime, Destruye) and the page numbers handed over.
+    const std::tuple<const char*, QString, std::vector<int>> casos[] = {
         {"nada sin salida", u"EE"_s, {}}, {"solo paginas nuevas", u"NNE"_s, {1, 2, 3}},
         {"dos trabajos", u"PNEPE"_s, {1, 2, 1}}, {"KillDoc descarta la pagina en curso", u"PNPKPE"_s, {1, 1}},
         {"suprimido o no, al destruirse entrega lo abierto", u"PNSD"_s, {1, 2}},
     };
-    for (const Caso& c : casos) {
+    for (const auto& [nombre, pasos, entregadas] : casos) {
         Entregadas e;
         auto o = e.Crea(100);
-        for (QChar paso : c.pasos) {
+        for (QChar paso : pasos) {
             switch (paso.unicode()) {
             case u'P': o->Llama(u"Print"_s, {u"x"_s}); break;
             case u'N': o->Llama(u"NewPage"_s); break;
@@ -64,7 +61,7 @@ TEST(ImpresoraImagenes, PaginasEntregadasPorTrabajo) {
             case u'D': o.reset(); break;
             }
         }
-        EXPECT_EQ(e.numeros, c.entregadas) << c.nombre;
+        EXPECT_EQ(e.numeros, entregadas) << nombre;
     }
 }
 

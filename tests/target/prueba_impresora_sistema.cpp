@@ -27,11 +27,8 @@ TEST_F(ImpresoraPdf, HojaPorCodigoOrientacionYMedidas) {
     o.Asigna(u"ScaleMode"_s, int16_t{3});
     EXPECT_NEAR(Num(u"ScaleWidth"_s), 10200, 1e-2);
     EXPECT_NEAR(Num(u"ScaleHeight"_s), 13200, 1e-2);
-    struct Caso {
-        std::vector<std::pair<QString, int32_t>> asigna;
-        int16_t papel, orientacion;
-        int32_t ancho, alto;  // twips
-    } casos[] = {
+    // Assignments, then the code, orientation and sides in twips they leave.
+    const std::tuple<std::vector<std::pair<QString, int32_t>>, int16_t, int16_t, int32_t, int32_t> casos[] = {
         {{}, 1, 1, 12240, 15840}, {{{u"PaperSize"_s, 9}}, 9, 1, 11906, 16838},
         {{{u"PaperSize"_s, 5}}, 5, 1, 12240, 20160}, {{{u"PaperSize"_s, 11}}, 11, 1, 8391, 11906},
         // 256 only names a user-defined sheet; Width and Height make one.
@@ -42,27 +39,24 @@ TEST_F(ImpresoraPdf, HojaPorCodigoOrientacionYMedidas) {
         // In landscape Width is the long side as the sheet lies.
         {{{u"Width"_s, 5760}, {u"Height"_s, 8640}, {u"Orientation"_s, 2}, {u"Width"_s, 10080}}, 256, 2, 10080, 5760},
     };
-    for (const Caso& c : casos) {
-        SCOPED_TRACE(&c - casos);
+    for (const auto& [asigna, papel, orientacion, ancho, alto] : casos) {
+        SCOPED_TRACE(asigna.size());
         auto nueva = ImpresoraDelSistema::EnPdf(carpeta.path());
         Objeto& h = *nueva;
-        for (const auto& [miembro, valor] : c.asigna) h.Asigna(miembro, valor);
-        EXPECT_EQ(CInt(h.Lee(u"PaperSize"_s)), c.papel);
-        EXPECT_EQ(CInt(h.Lee(u"Orientation"_s)), c.orientacion);
-        EXPECT_EQ(CLng(h.Lee(u"Width"_s)), c.ancho);
-        EXPECT_EQ(CLng(h.Lee(u"Height"_s)), c.alto);
-        const double tolerancia = c.ancho % 20 || c.alto % 20 ? 10 : 1e-3;  // half a point, or exact
-        EXPECT_NEAR(CDbl(h.Lee(u"ScaleWidth"_s)), c.ancho, tolerancia);
-        EXPECT_NEAR(CDbl(h.Lee(u"ScaleHeight"_s)), c.alto, tolerancia);
+        for (const auto& [miembro, valor] : asigna) h.Asigna(miembro, valor);
+        EXPECT_EQ(CInt(h.Lee(u"PaperSize"_s)), papel);
+        EXPECT_EQ(CInt(h.Lee(u"Orientation"_s)), orientacion);
+        EXPECT_EQ(CLng(h.Lee(u"Width"_s)), ancho);
+        EXPECT_EQ(CLng(h.Lee(u"Height"_s)), alto);
+        const double tolerancia = ancho % 20 || alto % 20 ? 10 : 1e-3;  // half a point, or exact
+        EXPECT_NEAR(CDbl(h.Lee(u"ScaleWidth"_s)), ancho, tolerancia);
+        EXPECT_NEAR(CDbl(h.Lee(u"ScaleHeight"_s)), alto, tolerancia);
     }
 }
 
 TEST_F(ImpresoraPdf, ValoresQueSeRechazan) {
     EXPECT_EQ(o.Lee(u"DeviceName"_s).texto(), u"PDF (KaloImpresora)"_s);
-    struct Caso {
-        QString miembro;
-        int32_t valor, error;
-    } casos[] = {
+    const std::tuple<QString, int32_t, int32_t> casos[] = {
         {u"DeviceName"_s, 1, err::kNoAdmitePropiedadOMetodo}, {u"hDC"_s, 1, err::kNoAdmitePropiedadOMetodo},
         {u"Page"_s, 1, err::kNoAdmitePropiedadOMetodo},       {u"ArchivoDeSalida"_s, 1, err::kNoAdmitePropiedadOMetodo},
         {u"PaperSize"_s, 0, err::kValorDePropiedadNoValido},  {u"PaperSize"_s, 9999, err::kValorDePropiedadNoValido},
@@ -71,8 +65,8 @@ TEST_F(ImpresoraPdf, ValoresQueSeRechazan) {
         {u"Copies"_s, 0, err::kValorDePropiedadNoValido},     {u"Copies"_s, 40000, err::kDesbordamiento},
         {u"ModoDeFondo"_s, 0, err::kValorDePropiedadNoValido},
     };
-    for (const Caso& c : casos)
-        EXPECT_EQ(NumeroDeError([&] { o.Asigna(c.miembro, c.valor); }), c.error) << c.miembro.toStdString();
+    for (const auto& [miembro, valor, error] : casos)
+        EXPECT_EQ(NumeroDeError([&] { o.Asigna(miembro, valor); }), error) << miembro.toStdString();
     EXPECT_EQ(NumeroDeError([&] { o.Llama(u"ScaleX"_s, {1, int16_t{9}, int16_t{1}}); }), err::kLlamadaNoValida);
 }
 
@@ -101,19 +95,15 @@ TEST_F(ImpresoraPdf, CopiasModoDeFondoYFuente) {
 TEST_F(ImpresoraPdf, ScaleXYConviertenEntreUnidades) {
     o.Asigna(u"ScaleMode"_s, int16_t{5});
     const Variant falta = Variant::Falta();
-    struct Caso {
-        double valor;
-        Variant de, a;
-        double esperado;
-    } casos[] = {
+    const std::tuple<double, Variant, Variant, double> casos[] = {
         {1, int16_t{5}, int16_t{1}, 1440},     // inches to twips
         {2540, int16_t{8}, int16_t{6}, 25.4},  // HIMETRIC to mm
         {1440, int16_t{1}, int16_t{3}, 1200},  // the file's 1200 dots per inch
         {2540, falta, falta, 1},               // HIMETRIC to the current scale (inches)
     };
-    for (const Caso& c : casos) {
-        EXPECT_NEAR(CDbl(o.Llama(u"ScaleX"_s, {c.valor, c.de, c.a})), c.esperado, 1e-9 * c.esperado) << c.valor;
-        EXPECT_NEAR(CDbl(o.Llama(u"ScaleY"_s, {c.valor, c.de, c.a})), c.esperado, 1e-9 * c.esperado) << c.valor;
+    for (const auto& [valor, de, a, esperado] : casos) {
+        EXPECT_NEAR(CDbl(o.Llama(u"ScaleX"_s, {valor, de, a})), esperado, 1e-9 * esperado) << valor;
+        EXPECT_NEAR(CDbl(o.Llama(u"ScaleY"_s, {valor, de, a})), esperado, 1e-9 * esperado) << valor;
     }
     // User mode is the scale in force: 100 units across 8.5 inches.
     o.Llama(u"Scale"_s, {0, 0, 100, 200});
@@ -170,15 +160,11 @@ TEST_F(ImpresoraPdf, ElDibujoLlegaAlPapel) {
 
     const QImage pagina = PaginaComoImagen(Salida(), 1, 72);
     ASSERT_EQ(pagina.size(), QSize(612, 792));
-    struct Punto {
-        const char* que;
-        int x, y;
-        bool tinta;
-    } puntos[] = {{"linea", 144, 72, true},          {"bajo la linea", 144, 90, false},
-                  {"caja llena", 396, 396, true},    {"fuera de la caja", 450, 450, false},
-                  {"borde del circulo", 180, 576, true}, {"centro del circulo", 144, 576, false},
-                  {"imagen", 504, 108, true},        {"esquina en blanco", 20, 20, false}};
-    for (const Punto& p : puntos) EXPECT_EQ(HayTinta(pagina, p.x, p.y), p.tinta) << p.que;
+    const std::tuple<const char*, int, int, bool> puntos[] = {
+        {"linea", 144, 72, true},          {"bajo la linea", 144, 90, false},    {"caja llena", 396, 396, true},
+        {"fuera de la caja", 450, 450, false}, {"borde del circulo", 180, 576, true},
+        {"centro del circulo", 144, 576, false}, {"imagen", 504, 108, true}, {"esquina en blanco", 20, 20, false}};
+    for (const auto& [que, x, y, tinta] : puntos) EXPECT_EQ(HayTinta(pagina, x, y), tinta) << que;
     // The text lies on its line and is as wide as TextWidth said.
     int derecha = 0;
     for (int x = 60; x < 612; ++x)
