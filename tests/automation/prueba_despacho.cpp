@@ -1,7 +1,6 @@
 #include "comun/prueba.h"
 
 #include "automation/interfaz.h"
-#include "comun/objeto_grabador.h"
 #include "kaloimpresora/paramdata.h"
 
 namespace {

@@ -5,11 +5,7 @@
 #include "comun/prueba.h"
 
 #include "barcode/imagenes_zint.h"
-#include "comun/impresora_con_grabadores.h"
 #include "comun/lectura_de_barras.h"
-#include "comun/lectura_de_reporte.h"
-#include "kaloimpresora/superficies.h"
-#include "target/imagen.h"
 
 using namespace zbar;
 

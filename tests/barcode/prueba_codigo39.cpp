@@ -10,10 +10,7 @@
 #include <QTimer>
 
 #include "barcode/cls_barcode39.h"
-#include "comun/impresora_con_grabadores.h"
-#include "comun/lectura_de_reporte.h"
 #include "kaloimpresora/mensajes.h"
-#include "runtime/aplicacion.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #pragma once
 
 // What every test file starts from: GoogleTest, the Qt and standard headers
-// most cases use, the component's public API and the suite's helpers, with
-// their names in scope.
+// most cases use, the component's public API, the pictures and the Qt
+// application object, and the suite's helpers, with their names in scope.
 
 #include <gtest/gtest.h>
 
@@ -22,10 +22,16 @@
 #include <string_view>
 #include <vector>
 
+#include "comun/impresora_con_grabadores.h"
+#include "comun/lectura_de_reporte.h"
+#include "comun/objeto_grabador.h"
 #include "comun/utilerias_de_prueba.h"
 #include "kaloimpresora/conversiones.h"
 #include "kaloimpresora/impresora.h"
 #include "kaloimpresora/impresoras.h"
+#include "kaloimpresora/superficies.h"
+#include "runtime/aplicacion.h"
+#include "target/imagen.h"
 
 using namespace kalo;
 using namespace kalo::prueba;

@@ -5,9 +5,6 @@
 
 #include <QColor>
 
-#include "kaloimpresora/superficies.h"
-#include "target/imagen.h"
-
 namespace {
 
 TEST(DocumentoEnImagen, ImagenesEnLosFormatosComunes) {

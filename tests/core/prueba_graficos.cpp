@@ -4,9 +4,6 @@
 
 #include <QCoreApplication>
 
-#include "comun/impresora_con_grabadores.h"
-#include "target/imagen.h"
-
 namespace {
 
 class Graficos : public prueba::ConImpresoraYVistaGrabadoras<::testing::TestWithParam<bool>> {

@@ -2,9 +2,6 @@
 
 #include "comun/prueba.h"
 
-#include "comun/impresora_con_grabadores.h"
-#include "comun/lectura_de_reporte.h"
-
 namespace {
 
 using Texto = prueba::ConImpresoraYVistaGrabadoras<>;

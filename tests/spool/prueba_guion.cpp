@@ -5,8 +5,6 @@
 
 #include "comun/prueba.h"
 
-#include "comun/impresora_con_grabadores.h"
-#include "comun/lectura_de_reporte.h"
 #include "spool/conexion.h"
 #include "spool/guion.h"
 

@@ -6,8 +6,6 @@
 #include <QProcess>
 
 #include "core/privado.h"
-#include "comun/lectura_de_reporte.h"
-#include "comun/objeto_grabador.h"
 
 namespace {
 

@@ -4,7 +4,6 @@
 
 #include "comun/prueba.h"
 
-#include "comun/objeto_grabador.h"
 #include "spool/reproduccion.h"
 #include "target/impresora_de_imagenes.h"
 #include "target/modulo4.h"

@@ -5,7 +5,6 @@
 #include "comun/prueba.h"
 
 #include "comun/herramientas_pdf.h"
-#include "target/imagen.h"
 #include "target/impresora_sistema.h"
 
 namespace {

@@ -3,7 +3,6 @@
 
 #include "comun/prueba.h"
 
-#include "comun/objeto_grabador.h"
 #include "target/modulo4.h"
 
 namespace {

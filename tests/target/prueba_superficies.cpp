@@ -7,9 +7,6 @@
 #include <QPainter>
 #include <numbers>
 
-#include "kaloimpresora/superficies.h"
-#include "runtime/aplicacion.h"
-#include "target/imagen.h"
 #include "target/lienzo.h"
 
 namespace {

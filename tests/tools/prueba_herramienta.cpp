@@ -5,7 +5,6 @@
 #include <QProcess>
 
 #include "comun/herramientas_pdf.h"
-#include "runtime/aplicacion.h"
 #include "visor.h"
 
 namespace {
