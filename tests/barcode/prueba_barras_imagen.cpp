@@ -104,19 +104,12 @@ TEST(BarrasImagenes, RechazaLoQueLaSimbologiaNoAdmite) {
 // Answers every barcode with the same picture and notes what it was asked.
 class CodificadorDePrueba : public UtileriasPredeterminadas {
 public:
-    std::shared_ptr<Objeto> ImagenBar128(int16_t& alto, QString& datos, bool& hr) override {
-        return Anota(u"128"_s, alto, datos, false, hr);
-    }
-    std::shared_ptr<Objeto> ImagenBar3de9(int16_t& alto, QString& datos, bool& suma, bool& hr) override {
-        return Anota(u"39"_s, alto, datos, suma, hr);
-    }
-    std::shared_ptr<Objeto> ImagenBarEAN13(int16_t& alto, QString& datos, bool& hr) override {
-        return Anota(u"EAN13"_s, alto, datos, false, hr);
-    }
-    std::shared_ptr<Objeto> ImagenBarEAN8(int16_t& alto, QString& datos, bool& hr) override {
-        return Anota(u"EAN8"_s, alto, datos, false, hr);
-    }
-    std::shared_ptr<Objeto> Anota(const QString& tipo, int16_t alto, const QString& datos, bool suma, bool hr) {
+    using P = std::shared_ptr<Objeto>;
+    P ImagenBar128(int16_t& a, QString& d, bool& hr) override { return Anota(u"128"_s, a, d, false, hr); }
+    P ImagenBar3de9(int16_t& a, QString& d, bool& s, bool& hr) override { return Anota(u"39"_s, a, d, s, hr); }
+    P ImagenBarEAN13(int16_t& a, QString& d, bool& hr) override { return Anota(u"EAN13"_s, a, d, false, hr); }
+    P ImagenBarEAN8(int16_t& a, QString& d, bool& hr) override { return Anota(u"EAN8"_s, a, d, false, hr); }
+    P Anota(const QString& tipo, int16_t alto, const QString& datos, bool suma, bool hr) {
         pedido = tipo + u'|' + QString::number(alto) + u'|' + datos + u'|' + (suma ? u"S"_s : u"-"_s) +
                  (hr ? u"H"_s : u"-"_s);
         if (falla) Lanza(err::kLlamadaNoValida);

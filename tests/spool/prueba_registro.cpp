@@ -9,31 +9,15 @@
 
 namespace {
 
-class Registro : public ::testing::Test {
-protected:
-    void SetUp() override {
-        EstableceImpresoraActual(std::make_shared<ObjetoGrabador>());
-        imp.Pantalla = true;
-        imp.Archivo = true;
-    }
-    void TearDown() override {
-        imp.sq = nullptr;
-        for (const QString& f : creados) BorraReporte(f);
-    }
-    QString Archivo() {
-        if (!imp.DB.isEmpty() && !creados.contains(imp.DB)) creados << imp.DB;
-        return imp.DB;
-    }
-
-    Impresora imp;
-    QStringList creados;
-};
+// The fixture removes the file DB names at the end; a case that makes
+// another removes it itself.
+using Registro = ConImpresoraYVistaGrabadoras<>;
 
 // The first command creates the file beside the library; the documents that
 // follow go on in it, rows numbered on and pages counted in the header.
 TEST_F(Registro, UnArchivoParaLosDocumentosQueSiguen) {
     imp.IniciaDocumento();
-    const QString primero = Archivo();
+    const QString primero = imp.DB;
     ASSERT_TRUE(QFileInfo::exists(primero)) << primero.toStdString();
     EXPECT_TRUE(QRegularExpression(u"^\\d{6}(1?\\d)\\.rep$"_s).match(QFileInfo(primero).fileName()).hasMatch())
         << primero.toStdString();
@@ -67,7 +51,8 @@ TEST_F(Registro, UnArchivoParaLosDocumentosQueSiguen) {
     // Clearing DB starts a new file at the next recorded command.
     imp.DB.clear();
     imp.IniciaDocumento();
-    EXPECT_NE(Archivo(), primero);
+    EXPECT_NE(imp.DB, primero);
+    BorraReporte(primero);
     EXPECT_EQ(Consulta(imp.DB, "SELECT row FROM source"), (std::vector<Fila>{{u"8"_s}}));
 }
 
@@ -107,9 +92,9 @@ TEST_F(Registro, RenglonesQueSePierdenSinDetenerElDocumento) {
     }
     imp.PaginaNueva();
     EXPECT_EQ(imp.nLinea, 6);
-    EXPECT_EQ(Consulta(Archivo(), "SELECT row FROM source ORDER BY row"),
+    EXPECT_EQ(Consulta(imp.DB, "SELECT row FROM source ORDER BY row"),
               (std::vector<Fila>{{u"1"_s}, {u"5"_s}, {u"6"_s}}));
-    EXPECT_EQ(Consulta(Archivo(), "SELECT paginas FROM header"), (std::vector<Fila>{{u"2"_s}}));
+    EXPECT_EQ(Consulta(imp.DB, "SELECT paginas FROM header"), (std::vector<Fila>{{u"2"_s}}));
 }
 
 TEST_F(Registro, UnArchivoInutilizableNoDetieneNada) {
@@ -119,7 +104,7 @@ TEST_F(Registro, UnArchivoInutilizableNoDetieneNada) {
     // Called by the host, the same failure is reported.
     imp.DB.clear();
     imp.CreaBaseDeDatos();
-    EXPECT_TRUE(QFileInfo::exists(Archivo()));
+    EXPECT_TRUE(QFileInfo::exists(imp.DB));
     imp.nLinea = INT32_MAX;
     EXPECT_EQ(NumeroDeError([&] { imp.PaginaNueva(); }), 6);
 }
@@ -140,9 +125,9 @@ TEST_F(Registro, UnProcesoMuertoConservaCadaRenglonConfirmado) {
     EXPECT_EQ(hijo.exitStatus(), QProcess::CrashExit);
     const QString archivo = QString::fromUtf8(hijo.readAllStandardOutput()).trimmed();
     ASSERT_TRUE(QFileInfo::exists(archivo)) << archivo.toStdString();
-    creados << archivo;
     EXPECT_EQ(Consulta(archivo, "PRAGMA integrity_check"), (std::vector<Fila>{{u"ok"_s}}));
     EXPECT_EQ(Consulta(archivo, "SELECT count(*), max(row) FROM source"), (std::vector<Fila>{{u"26"_s, u"26"_s}}));
+    BorraReporte(archivo);
 }
 
 TEST_F(Registro, BorraArchivoBorraLoQueNombraStrTemp) {
