@@ -1,4 +1,5 @@
-// Lines, boxes, circles and pictures through recording targets.
+// Lines, boxes, circles and pictures through recording targets, and pictures
+// in the common file formats drawn on a real image preview.
 
 #include "comun/prueba.h"
 
@@ -111,5 +112,39 @@ TEST_P(Graficos, ArgumentosQueNoSonNumerosNoRegistranNiDibujan) {
 
 INSTANTIATE_TEST_SUITE_P(ImpresoraYVista, Graficos, ::testing::Values(true, false),
                          [](const auto& info) { return info.param ? "Impresora" : "Vista"; });
+
+TEST(DocumentoEnImagen, ImagenesEnLosFormatosComunes) {
+    // 8.5 x 11 inches at 96 dpi: page inches map 1:1.
+    auto vista = CreaSuperficieDeImagen(8.5 * 96, 11 * 96, 96);
+    Impresora imp;
+    imp.Pantalla = true;
+    imp.Imagen2 = vista;
+    imp.IniciaDocumento();
+    QTemporaryDir carpeta;
+    QImage azul(16, 16, QImage::Format_RGB32);
+    azul.fill(Qt::blue);
+    int x = 0;
+    // Qt reads GIF but does not write it: a one-pixel blue GIF by hand.
+    const char gif[] = "GIF89a\x01\x00\x01\x00\x80\x00\x00\x00\x00\xff\x00\x00\x00"
+                       "\x2c\x00\x00\x00\x00\x01\x00\x01\x00\x00\x02\x02\x44\x01\x00\x3b";
+    for (const char* formato : {"bmp", "png", "jpg", "gif", "ico"}) {
+        SCOPED_TRACE(formato);
+        const QString archivo = carpeta.filePath(u"logo."_s + QString::fromLatin1(formato));
+        if (qstrcmp(formato, "gif") == 0) {
+            QFile f(archivo);
+            ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+            f.write(gif, sizeof gif - 1);
+        } else {
+            ASSERT_TRUE(azul.save(archivo, formato));
+        }
+        imp.Picture(archivo, 0.5 + x, 5, 0.5, 0.5);
+        const QColor c = std::dynamic_pointer_cast<Imagen>(vista->Lee(u"Image"_s).objeto())
+                             ->imagen()
+                             .pixelColor(qRound((0.75 + x) * 96), qRound(5.25 * 96));
+        EXPECT_GT(c.blue(), 200);
+        EXPECT_LT(c.red(), 60);
+        ++x;
+    }
+}
 
 }  // namespace
