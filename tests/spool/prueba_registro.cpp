@@ -21,7 +21,6 @@ TEST_F(Registro, UnArchivoParaLosDocumentosQueSiguen) {
     ASSERT_TRUE(QFileInfo::exists(primero)) << primero.toStdString();
     EXPECT_TRUE(QRegularExpression(u"^\\d{6}(1?\\d)\\.rep$"_s).match(QFileInfo(primero).fileName()).hasMatch())
         << primero.toStdString();
-    EXPECT_NE(imp.sq, nullptr);
     EXPECT_EQ(Consulta(primero, "SELECT sql FROM sqlite_master ORDER BY rowid"),
               (std::vector<Fila>{{u"CREATE TABLE source( pagina INTEGER, source TEXT, row INTEGER, contenido TEXT, "
                                   "fuente TEXT, fsize REAL, nrow REAL, ncol REAL, bold INTEGER, italic INTEGER )"_s},
