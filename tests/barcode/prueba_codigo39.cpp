@@ -89,14 +89,10 @@ QString Lee39(const std::vector<Elemento>& e, double angosto) {
 
 // "number source" of the error the body raised, "" if none: the source tells
 // the class's procedures apart.
-template <class F>
-QString Falla(F&& cuerpo) {
-    try {
-        cuerpo();
-    } catch (const ErrorDeAutomatizacion& e) {
-        return QString::number(e.numero()) + u' ' + e.origen();
-    }
-    return {};
+QString Falla(const std::function<void()>& cuerpo) {
+    QString origen;
+    const int32_t numero = NumeroDeError(cuerpo, nullptr, &origen);
+    return numero ? QString::number(numero) + u' ' + origen : QString();
 }
 
 TEST(BarCode39, AjustesCaracteresYDigitoVerificador) {

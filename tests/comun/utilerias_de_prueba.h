@@ -13,13 +13,14 @@
 namespace kalo::prueba {
 
 // Runs the body and reports the automation error number it raised, or 0;
-// with descripcion, the error's description too.
+// with descripcion or origen, the error's description or source too.
 template <class F>
-int32_t NumeroDeError(F&& cuerpo, QString* descripcion = nullptr) {
+int32_t NumeroDeError(F&& cuerpo, QString* descripcion = nullptr, QString* origen = nullptr) {
     try {
         cuerpo();
     } catch (const ErrorDeAutomatizacion& e) {
         if (descripcion) *descripcion = e.descripcion();
+        if (origen) *origen = e.origen();
         return e.numero();
     }
     return 0;

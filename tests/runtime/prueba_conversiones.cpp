@@ -347,12 +347,10 @@ TEST(Errores, DescripcionesYTexto) {
     EXPECT_EQ(propio.origen().toStdString(), "Impresora");
     EXPECT_STREQ(propio.what(), "482: Sin papel (Impresora)");
     // Lanza raises exactly that: number, standard text, source.
-    try {
-        Lanza(11, QStringLiteral("ParamData"));
-    } catch (const ErrorDeAutomatizacion& e) {
-        EXPECT_STREQ(e.what(), "11: División por cero (ParamData)");
-        EXPECT_EQ(e.origen().toStdString(), "ParamData");
-    }
+    QString descripcion, origen;
+    EXPECT_EQ(NumeroDeError([] { Lanza(11, QStringLiteral("ParamData")); }, &descripcion, &origen), 11);
+    EXPECT_EQ(descripcion.toStdString(), "División por cero");
+    EXPECT_EQ(origen.toStdString(), "ParamData");
 }
 
 }  // namespace

@@ -45,29 +45,20 @@ Paginas Imprime(const QString& archivo, const OpcionesDeReproduccion& o = {}, Re
 }
 
 // The same document printed straight to images, and shown on a preview while recorded.
-class Reproduccion : public ::testing::Test {
+class Reproduccion : public ConImpresoraYVistaGrabadoras<> {
 protected:
     void SetUp() override {
+        ConImpresoraYVistaGrabadoras::SetUp();
         {
             Impresora directa;
             EstableceImpresoraActual(ImpresoraQueJunta(directas));
             DocumentoDePrueba(directa);
-            EstableceImpresoraActual(nullptr);
         }
+        EstableceImpresoraActual(impresora);
         modulo4::Estado() = {};
-        grabadora.Imagen2 = std::make_shared<prueba::ObjetoGrabador>();
-        grabadora.Pantalla = true;
-        grabadora.Archivo = true;
-        DocumentoDePrueba(grabadora);
-        reporte = grabadora.DB;
-    }
-    void TearDown() override {
-        grabadora.sq = nullptr;
-        prueba::BorraReporte(reporte);
+        DocumentoDePrueba(imp);
     }
 
-    Impresora grabadora;
-    QString reporte;
     Paginas directas;
 };
 
@@ -83,7 +74,7 @@ TEST_F(Reproduccion, CadaPaginaElegidaSaleIgualQueEnElDocumentoDirecto) {
         OpcionesDeReproduccion o;
         o.seleccion.rangos = rangos;
         ResultadoDeReproduccion r;
-        const Paginas p = Imprime(reporte, o, &r);
+        const Paginas p = Imprime(imp.DB, o, &r);
         EXPECT_EQ(r.paginasEmitidas, static_cast<int>(esperadas.size()));
         EXPECT_EQ(r.malFormadas, 0);
         EXPECT_EQ(r.errores, 0);
