@@ -69,8 +69,9 @@ TEST_F(Reproduccion, CadaPaginaElegidaSaleIgualQueEnElDocumentoDirecto) {
     const std::pair<std::vector<std::pair<int, int>>, std::vector<size_t>> casos[] = {
         {{}, {0, 1, 2}}, {{{3, 3}}, {2}}, {{{2, INT32_MAX}}, {1, 2}}, {{{1, 1}, {3, 3}}, {0, 2}},
     };
-    for (const auto& [rangos, esperadas] : casos) {
-        SCOPED_TRACE(esperadas.size());
+    for (const auto& caso : casos) {
+        const auto& [rangos, esperadas] = caso;
+        SCOPED_TRACE(&caso - casos);
         OpcionesDeReproduccion o;
         o.seleccion.rangos = rangos;
         ResultadoDeReproduccion r;

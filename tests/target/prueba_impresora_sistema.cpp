@@ -41,8 +41,9 @@ TEST_F(ImpresoraPdf, HojaPorCodigoOrientacionYMedidas) {
         // In landscape Width is the long side as the sheet lies.
         {{{u"Width"_s, 5760}, {u"Height"_s, 8640}, {u"Orientation"_s, 2}, {u"Width"_s, 10080}}, 256, 2, 10080, 5760},
     };
-    for (const auto& [asigna, papel, orientacion, ancho, alto] : casos) {
-        SCOPED_TRACE(asigna.size());
+    for (const auto& caso : casos) {
+        const auto& [asigna, papel, orientacion, ancho, alto] = caso;
+        SCOPED_TRACE(&caso - casos);
         auto nueva = ImpresoraDelSistema::EnPdf(carpeta.path());
         Objeto& h = *nueva;
         for (const auto& [miembro, valor] : asigna) h.Asigna(miembro, valor);
