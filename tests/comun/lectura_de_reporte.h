@@ -11,69 +11,35 @@
 
 namespace kalo::prueba {
 
-// Runs sql on the file read-only and hands each result row to porFila.
-template <class F>
-void RecorreConsulta(const QString& archivo, const char* sql, F&& porFila) {
+using Fila = std::vector<QString>;
+
+// Every row of a query run read-only on the file, each column as SQLite
+// writes it as text ("<null>" for NULL).
+inline std::vector<Fila> Consulta(const QString& archivo, const char* sql) {
+    std::vector<Fila> filas;
     sqlite3* bd = nullptr;
-    if (sqlite3_open_v2(archivo.toUtf8().constData(), &bd, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK) {
-        sqlite3_close(bd);
-        ADD_FAILURE() << "no abre " << archivo.toStdString();
-        return;
-    }
     sqlite3_stmt* s = nullptr;
-    if (sqlite3_prepare_v2(bd, sql, -1, &s, nullptr) == SQLITE_OK) {
-        while (sqlite3_step(s) == SQLITE_ROW) porFila(s);
-    } else {
+    if (sqlite3_open_v2(archivo.toUtf8().constData(), &bd, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK)
+        ADD_FAILURE() << "no abre " << archivo.toStdString();
+    else if (sqlite3_prepare_v2(bd, sql, -1, &s, nullptr) != SQLITE_OK)
         ADD_FAILURE() << sqlite3_errmsg(bd);
+    while (s && sqlite3_step(s) == SQLITE_ROW) {
+        Fila f;
+        for (int c = 0; c < sqlite3_column_count(s); ++c) {
+            const auto* t = reinterpret_cast<const char*>(sqlite3_column_text(s, c));
+            f.push_back(t ? QString::fromUtf8(t) : QStringLiteral("<null>"));
+        }
+        filas.push_back(std::move(f));
     }
     sqlite3_finalize(s);
     sqlite3_close(bd);
-}
-
-inline QString TextoDeColumna(sqlite3_stmt* s, int c) {
-    const auto* t = sqlite3_column_text(s, c);
-    return t ? QString::fromUtf8(reinterpret_cast<const char*>(t)) : QStringLiteral("<null>");
-}
-
-using Fila = std::vector<QString>;
-
-// Every row of a query, each column as SQLite writes it as text ("<null>" for NULL).
-inline std::vector<Fila> Consulta(const QString& archivo, const char* sql) {
-    std::vector<Fila> filas;
-    RecorreConsulta(archivo, sql, [&](sqlite3_stmt* s) {
-        Fila f;
-        for (int c = 0; c < sqlite3_column_count(s); ++c) f.push_back(TextoDeColumna(s, c));
-        filas.push_back(std::move(f));
-    });
     return filas;
 }
 
 // The recorded command lines, in order.
 inline QStringList Comandos(const QString& archivo) {
     QStringList r;
-    RecorreConsulta(archivo, "SELECT source FROM source ORDER BY row",
-                    [&](sqlite3_stmt* s) { r << TextoDeColumna(s, 0); });
-    return r;
-}
-
-// One recorded command with the values stored beside it.
-struct Renglon {
-    QString source;
-    double nrow, ncol;
-    QString contenido, fuente;
-    double fsize;
-    int bold, italic;
-};
-
-inline std::vector<Renglon> Renglones(const QString& archivo) {
-    std::vector<Renglon> r;
-    RecorreConsulta(archivo,
-                    "SELECT source, nrow, ncol, contenido, fuente, fsize, bold, italic FROM source ORDER BY row",
-                    [&](sqlite3_stmt* s) {
-                        r.push_back({TextoDeColumna(s, 0), sqlite3_column_double(s, 1), sqlite3_column_double(s, 2),
-                                     TextoDeColumna(s, 3), TextoDeColumna(s, 4), sqlite3_column_double(s, 5),
-                                     sqlite3_column_int(s, 6), sqlite3_column_int(s, 7)});
-                    });
+    for (const Fila& f : Consulta(archivo, "SELECT source FROM source ORDER BY row")) r << f[0];
     return r;
 }
 

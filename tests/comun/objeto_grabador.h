@@ -25,12 +25,8 @@ public:
     int32_t IdDeNombre(const QString& nombre) const override {
         if (!miembros_.isEmpty() && !miembros_.contains(nombre, Qt::CaseInsensitive)) return kDispidDesconocido;
         const QString clave = nombre.toLower();
-        qsizetype i = nombres_.indexOf(clave);
-        if (i < 0) {
-            nombres_.append(clave);
-            i = nombres_.size() - 1;
-        }
-        return static_cast<int32_t>(i) + 1;
+        if (!nombres_.contains(clave)) nombres_.append(clave);
+        return static_cast<int32_t>(nombres_.indexOf(clave)) + 1;
     }
 
     Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> args) override {
@@ -41,8 +37,7 @@ public:
             valores_[nombre] = args.empty() ? Variant() : args[0];
             return Variant();
         }
-        auto it = valores_.find(nombre);
-        return it == valores_.end() ? Variant() : it->second;
+        return Valor(nombre);
     }
 
     void Pon(const QString& propiedad, Variant valor) { valores_[propiedad.toLower()] = std::move(valor); }

@@ -12,24 +12,15 @@
 
 namespace kalo::prueba {
 
-// Runs the body and reports the automation error number it raised, or 0.
+// Runs the body and reports the automation error number it raised, or 0;
+// with descripcion or origen, the error's description or source too.
 template <class F>
-int32_t NumeroDeError(F&& cuerpo) {
+int32_t NumeroDeError(F&& cuerpo, QString* descripcion = nullptr, QString* origen = nullptr) {
     try {
         cuerpo();
     } catch (const ErrorDeAutomatizacion& e) {
-        return e.numero();
-    }
-    return 0;
-}
-
-// The same, keeping the error's description too.
-template <class F>
-int32_t NumeroDeError(F&& cuerpo, QString& descripcion) {
-    try {
-        cuerpo();
-    } catch (const ErrorDeAutomatizacion& e) {
-        descripcion = e.descripcion();
+        if (descripcion) *descripcion = e.descripcion();
+        if (origen) *origen = e.origen();
         return e.numero();
     }
     return 0;

@@ -1,20 +1,10 @@
-// Lines, boxes, circles and pictures through recording targets.
+// Text and font methods, lines, boxes, circles and pictures: what they record
+// and ask of recording targets; pictures in the common file formats drawn on a
+// real image preview.
 
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QFile>
-#include <QImage>
-
-#include "comun/impresora_con_grabadores.h"
-#include "comun/utilerias_de_prueba.h"
-#include "target/imagen.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::NumeroDeError;
-using kalo::prueba::ObjetoGrabador;
 
 namespace {
 
@@ -123,5 +113,88 @@ TEST_P(Graficos, ArgumentosQueNoSonNumerosNoRegistranNiDibujan) {
 
 INSTANTIATE_TEST_SUITE_P(ImpresoraYVista, Graficos, ::testing::Values(true, false),
                          [](const auto& info) { return info.param ? "Impresora" : "Vista"; });
+
+TEST(DocumentoEnImagen, ImagenesEnLosFormatosComunes) {
+    // 8.5 x 11 inches at 96 dpi: page inches map 1:1.
+    auto vista = CreaSuperficieDeImagen(8.5 * 96, 11 * 96, 96);
+    Impresora imp;
+    imp.Pantalla = true;
+    imp.Imagen2 = vista;
+    imp.IniciaDocumento();
+    QTemporaryDir carpeta;
+    QImage azul(16, 16, QImage::Format_RGB32);
+    azul.fill(Qt::blue);
+    int x = 0;
+    // Qt reads GIF but does not write it: a one-pixel blue GIF by hand.
+    const char gif[] = "GIF89a\x01\x00\x01\x00\x80\x00\x00\x00\x00\xff\x00\x00\x00"
+                       "\x2c\x00\x00\x00\x00\x01\x00\x01\x00\x00\x02\x02\x44\x01\x00\x3b";
+    for (const char* formato : {"bmp", "png", "jpg", "gif", "ico"}) {
+        SCOPED_TRACE(formato);
+        const QString archivo = carpeta.filePath(u"logo."_s + QString::fromLatin1(formato));
+        if (qstrcmp(formato, "gif") == 0) {
+            QFile f(archivo);
+            ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+            f.write(gif, sizeof gif - 1);
+        } else {
+            ASSERT_TRUE(azul.save(archivo, formato));
+        }
+        imp.Picture(archivo, 0.5 + x, 5, 0.5, 0.5);
+        const QColor c = std::dynamic_pointer_cast<Imagen>(vista->Lee(u"Image"_s).objeto())
+                             ->imagen()
+                             .pixelColor(qRound((0.75 + x) * 96), qRound(5.25 * 96));
+        EXPECT_GT(c.blue(), 200);
+        EXPECT_LT(c.red(), 60);
+        ++x;
+    }
+}
+
+using Texto = prueba::ConImpresoraYVistaGrabadoras<>;
+
+TEST_F(Texto, SayRegistraLaRejillaYEscribeElTextoSinCambiar) {
+    imp.IniciaDocumento();
+    imp.Say(1, 2, u"a\"b'c"_s);
+    // nrow and ncol in the 66 x 80 grid: 1 / (11 / 66) and 2 / (8.5 / 80).
+    EXPECT_EQ(Consulta(imp.DB, "SELECT source, nrow, ncol, contenido FROM source WHERE row = 2"),
+              (std::vector<Fila>{
+                  {u"Say Fn(\"1\"),Fn(\"2\"),\"a''b'c\"\r\n"_s, u"6.0"_s, u"18.8235294117647"_s, u"a\"b'c"_s}}));
+    EXPECT_EQ(vista->Registro().mid(vista->Registro().size() - 3),
+              (QStringList{u"Asigna currentx=2"_s, u"Asigna currenty=1"_s, u"Llama print(a\"b'c)"_s}));
+}
+
+TEST_F(Texto, RenglonYColumnaDeLaRejilla) {
+    // Value, row and column in inches.
+    const std::tuple<Variant, double, double> casos[] = {
+        {Variant(), 0, 0}, {6, 1, 0.6375}, {80, 80.0 / 6, 8.5}, {0.5, 0.5 / 6, 0.053125}, {u"12"_s, 2, 1.275}};
+    for (const auto& [valor, renglon, columna] : casos) {
+        EXPECT_DOUBLE_EQ(CDbl(imp.Row(valor)), renglon);
+        EXPECT_DOUBLE_EQ(CDbl(imp.Col(valor)), columna);
+    }
+    EXPECT_EQ(NumeroDeError([&] { imp.Row(u"x"_s); }), 13);
+    EXPECT_EQ(imp.nLinea, 0);
+}
+
+TEST_F(Texto, LosErroresDeConversionLleganAntesDeRegistrar) {
+    imp.IniciaDocumento();
+    imp.nRow = 0;
+    EXPECT_EQ(NumeroDeError([&] { imp.Say(1, 1, u"x"_s); }), 11);
+    EXPECT_EQ(NumeroDeError([&] { imp.Row(1); }), 11);
+    EXPECT_EQ(NumeroDeError([&] { imp.EstableceFuente(u"Arial"_s, u"grande"_s); }), 13);
+    EXPECT_EQ(NumeroDeError([&] { imp.Say(u"arriba"_s, 1, u"x"_s); }), 13);
+    EXPECT_EQ(NumeroDeError([&] { imp.ColorDeFuente(Variant::Nulo()); }), 94);
+    EXPECT_EQ(imp.nLinea, 1);
+    imp.CurrentY(2);
+    EXPECT_EQ(imp.nLinea, 2);
+    EXPECT_EQ(Comandos(imp.DB).size(), 2);
+}
+
+// The message itself reaches the target, not its text.
+TEST_F(Texto, PorNombreComoLoLlamaElAnfitrion) {
+    imp.IniciaDocumento();
+    imp.Llama(u"say"_s, {imp.Llama(u"Row"_s, {3}), imp.Llama(u"Col"_s, {10}), 1234});
+    EXPECT_TRUE(vista->Valor(u"CurrentY"_s).identico(Variant(0.5)));
+    EXPECT_TRUE(vista->Valor(u"CurrentX"_s).identico(Variant(1.0625)));
+    EXPECT_TRUE(vista->De(u"Print"_s).back().argumentos[0].identico(Variant(1234)));
+    EXPECT_EQ(Comandos(imp.DB).last(), u"Say Fn(\"0.5\"),Fn(\"1.0625\"),\"1234\"\r\n"_s);
+}
 
 }  // namespace

@@ -237,10 +237,10 @@ TEST_P(Datos, UnResultadoGrandeLlegaEnteroAunqueCorranOtrasInstrucciones) {
 TEST_P(Datos, UnErrorDejaLaConexionYLosDemasResultadosComoEstaban) {
     auto c = Abre();
     QString descripcion;
-    EXPECT_EQ(NumeroDeError([&] { c->Execute(u"SELEC 1"_s); }, descripcion), err::kErrorEnLaInstruccion);
+    EXPECT_EQ(NumeroDeError([&] { c->Execute(u"SELEC 1"_s); }, &descripcion), err::kErrorEnLaInstruccion);
     EXPECT_TRUE(descripcion.startsWith(u"Error en la instrucción SQL: "_s)) << descripcion.toStdString();
     EXPECT_TRUE(descripcion.contains(u"syntax error"_s)) << descripcion.toStdString();  // the driver's own text
-    EXPECT_EQ(NumeroDeError([&] { c->Execute(u"SELECT * FROM no_existe"_s); }, descripcion),
+    EXPECT_EQ(NumeroDeError([&] { c->Execute(u"SELECT * FROM no_existe"_s); }, &descripcion),
               err::kErrorEnLaInstruccion);
     EXPECT_TRUE(descripcion.contains(u"no_existe"_s)) << descripcion.toStdString();
 
@@ -317,9 +317,9 @@ TEST(Conexion, UnControladorQueNoEstaOUnArchivoQueNoAbreDejanLaConexionCerrada) 
     QTemporaryDir dir;
     Conexion c;
     QString descripcion;
-    EXPECT_EQ(NumeroDeError([&] { c.Open(u"Driver=QNINGUNO"_s); }, descripcion), err::kProveedorNoEncontrado);
+    EXPECT_EQ(NumeroDeError([&] { c.Open(u"Driver=QNINGUNO"_s); }, &descripcion), err::kProveedorNoEncontrado);
     EXPECT_TRUE(descripcion.contains(u"QSQLITE"_s)) << descripcion.toStdString();  // what there is
-    EXPECT_EQ(NumeroDeError([&] { c.Open(u"Data Source="_s + dir.filePath(u"no/hay/carpeta.db"_s)); }, descripcion),
+    EXPECT_EQ(NumeroDeError([&] { c.Open(u"Data Source="_s + dir.filePath(u"no/hay/carpeta.db"_s)); }, &descripcion),
               err::kErrorNoEspecificado);
     EXPECT_TRUE(descripcion.startsWith(u"No se pudo abrir la conexión: "_s)) << descripcion.toStdString();
     EXPECT_EQ(c.State(), 0);
@@ -387,10 +387,10 @@ TEST_F(PostgresSolo, UnServidorDetenidoRechazaLaConexion) {
     ASSERT_TRUE(ScriptPostgres({u"detiene"_s, base.path()}));
 
     QString descripcion;
-    EXPECT_EQ(NumeroDeError([&] { Filas(*rs); }, descripcion), err::kErrorEnLaInstruccion);
+    EXPECT_EQ(NumeroDeError([&] { Filas(*rs); }, &descripcion), err::kErrorEnLaInstruccion);
     EXPECT_NE(NumeroDeError([&] { c.Execute(u"SELECT 1"_s); }), 0);
     c.Close();
-    EXPECT_EQ(NumeroDeError([&] { c.Open(); }, descripcion), err::kErrorNoEspecificado);
+    EXPECT_EQ(NumeroDeError([&] { c.Open(); }, &descripcion), err::kErrorNoEspecificado);
     EXPECT_TRUE(descripcion.contains(carpeta)) << descripcion.toStdString();  // libpq names the socket
     EXPECT_EQ(c.State(), 0);
 }

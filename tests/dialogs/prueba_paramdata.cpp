@@ -1,14 +1,7 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
+#include "comun/prueba.h"
 
 #include "automation/interfaz.h"
-#include "comun/utilerias_de_prueba.h"
 #include "kaloimpresora/paramdata.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::NumeroDeError;
 
 namespace {
 

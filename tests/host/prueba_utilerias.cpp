@@ -1,20 +1,10 @@
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include <QApplication>
 #include <QLineEdit>
 #include <QTest>
 #include <QVBoxLayout>
 #include <thread>
-
-#include "runtime/aplicacion.h"
-
-#include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/impresora.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::ConLocal;
-using kalo::prueba::NumeroDeError;
 
 namespace {
 
@@ -118,8 +108,6 @@ TEST(Utilerias, LaInstanciaCompartidaEsPorHiloYSustituible) {
     QString enOtroHilo;
     std::thread([&] { enOtroHilo = UtileriasCompartidas().SeparadorDecimal(); }).join();
     EXPECT_NE(enOtroHilo, u"#"_s);
-    // Fn goes through the substitute too.
-    EXPECT_EQ(NumeroDeError([] { Impresora().Fn(u"1.5"_s); }), 13);
 }
 
 }  // namespace

@@ -108,7 +108,7 @@ TEST(ArchivosHostiles, LoQueEjecutariaSqlOEstaDanadoSeRechazaConSuMotivo) {
         }
         const QStringList antes = Huella(dir.path());
         QString descripcion;
-        EXPECT_EQ(NumeroDeError([&] { LectorDeReporte l(archivo); }, descripcion), err::kErrorDeBaseDeDatos);
+        EXPECT_EQ(NumeroDeError([&] { LectorDeReporte l(archivo); }, &descripcion), err::kErrorDeBaseDeDatos);
         EXPECT_TRUE(descripcion.startsWith(u"El archivo "_s + archivo + u' ')) << descripcion.toStdString();
         EXPECT_TRUE(descripcion.contains(QString::fromUtf16(motivo))) << descripcion.toStdString();
         EXPECT_EQ(Huella(dir.path()), antes);
@@ -155,7 +155,7 @@ TEST(ArchivosHostiles, UnaConsultaQueSePasaDeTrabajoOPideFuncionesSeAbandona) {
          {std::pair{"SELECT 1 FROM source a, source b, source c WHERE a.row + b.row + c.row < 0", u"se abandonó"},
           std::pair{"SELECT randomblob(1000000000)", u"no es un archivo de reporte"}}) {
         QString descripcion;
-        EXPECT_EQ(NumeroDeError([&] { base.Paso(base.Prepara(consulta).get()); }, descripcion),
+        EXPECT_EQ(NumeroDeError([&] { base.Paso(base.Prepara(consulta).get()); }, &descripcion),
                   err::kErrorDeBaseDeDatos);
         EXPECT_TRUE(descripcion.contains(QString::fromUtf16(motivo))) << descripcion.toStdString();
     }

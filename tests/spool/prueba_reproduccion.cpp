@@ -2,22 +2,11 @@
 // document printed directly, whole or a page at a time. How the command
 // reports files it cannot read is in tests/tools/prueba_herramienta.cpp.
 
-#include <QFile>
-#include <QImage>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
-#include "comun/objeto_grabador.h"
-#include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/impresora.h"
-#include "kaloimpresora/impresoras.h"
 #include "spool/reproduccion.h"
 #include "target/impresora_de_imagenes.h"
 #include "target/modulo4.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::Escribe;
 
 namespace {
 
@@ -56,55 +45,42 @@ Paginas Imprime(const QString& archivo, const OpcionesDeReproduccion& o = {}, Re
 }
 
 // The same document printed straight to images, and shown on a preview while recorded.
-class Reproduccion : public ::testing::Test {
+class Reproduccion : public ConImpresoraYVistaGrabadoras<> {
 protected:
     void SetUp() override {
+        ConImpresoraYVistaGrabadoras::SetUp();
         {
             Impresora directa;
             EstableceImpresoraActual(ImpresoraQueJunta(directas));
             DocumentoDePrueba(directa);
-            EstableceImpresoraActual(nullptr);
         }
+        EstableceImpresoraActual(impresora);
         modulo4::Estado() = {};
-        grabadora.Imagen2 = std::make_shared<prueba::ObjetoGrabador>();
-        grabadora.Pantalla = true;
-        grabadora.Archivo = true;
-        DocumentoDePrueba(grabadora);
-        reporte = grabadora.DB;
-    }
-    void TearDown() override {
-        grabadora.sq = nullptr;
-        prueba::BorraReporte(reporte);
+        DocumentoDePrueba(imp);
     }
 
-    Impresora grabadora;
-    QString reporte;
     Paginas directas;
 };
 
 // A page left out is still run, suppressed, so what it set carries over.
 TEST_F(Reproduccion, CadaPaginaElegidaSaleIgualQueEnElDocumentoDirecto) {
     ASSERT_EQ(directas.size(), 3u);
-    struct Caso {
-        std::vector<std::pair<int, int>> rangos;
-        std::vector<size_t> esperadas;  // indices into the direct pages
-    } casos[] = {
-        {{}, {0, 1, 2}},
-        {{{3, 3}}, {2}},
-        {{{2, INT32_MAX}}, {1, 2}},
-        {{{1, 1}, {3, 3}}, {0, 2}},
+    // Ranges asked for, and the direct pages they must give.
+    const std::pair<std::vector<std::pair<int, int>>, std::vector<size_t>> casos[] = {
+        {{}, {0, 1, 2}}, {{{3, 3}}, {2}}, {{{2, INT32_MAX}}, {1, 2}}, {{{1, 1}, {3, 3}}, {0, 2}},
     };
-    for (const Caso& c : casos) {
-        SCOPED_TRACE(&c - casos);
+    for (const auto& caso : casos) {
+        const auto& [rangos, esperadas] = caso;
+        SCOPED_TRACE(&caso - casos);
         OpcionesDeReproduccion o;
-        o.seleccion.rangos = c.rangos;
+        o.seleccion.rangos = rangos;
         ResultadoDeReproduccion r;
-        const Paginas p = Imprime(reporte, o, &r);
-        EXPECT_EQ(r.paginasEmitidas, static_cast<int>(c.esperadas.size()));
+        const Paginas p = Imprime(imp.DB, o, &r);
+        EXPECT_EQ(r.paginasEmitidas, static_cast<int>(esperadas.size()));
         EXPECT_EQ(r.malFormadas, 0);
         EXPECT_EQ(r.errores, 0);
-        ASSERT_EQ(p.size(), c.esperadas.size());
-        for (size_t i = 0; i < p.size(); ++i) EXPECT_TRUE(p[i] == directas[c.esperadas[i]]) << "salida " << i;
+        ASSERT_EQ(p.size(), esperadas.size());
+        for (size_t i = 0; i < p.size(); ++i) EXPECT_TRUE(p[i] == directas[esperadas[i]]) << "salida " << i;
     }
 }
 
@@ -125,41 +101,32 @@ TEST(ReproduccionDeGuion, VariosDocumentosSonVariosYSeEligenPorNumero) {
     EXPECT_FALSE(todas[0] == todas[2]);
 }
 
-TEST(ReproduccionDeGuion, ComandosAjenosSeRechazanSinTocarNada) {
+// Foreign commands are refused and touch nothing; a message box the component
+// raises becomes a notice on its row. Neither stops the rest.
+TEST(ReproduccionDeGuion, ComandosAjenosSeRechazanYUnMensajeSeVuelveAviso) {
     QTemporaryDir dir;
     const QString victima = dir.filePath(u"victima.txt"_s);
     QFile(victima).open(QIODevice::WriteOnly);
     const QString archivo = Escribe(dir.filePath(u"ajeno.txt"_s),
                                     "IniciaDocumento\nstrTemp \"" + victima.toUtf8() +
                                         "\"\nBorraArchivo\nAbrirCajonDeDinero\nCreaBaseDeDatos\nRangoDeFechas\n"
+                                        "Codigo39 Fn(\"100\"),Fn(\"100\"),Fn(\"15\"),Fn(\"500\"),\"abc~\",False,False,\"\",\"\"\n"
                                         "Say Fn(\"1\"),Fn(\"1\"),\"sigue\"\nFinDocumento\n");
+    std::vector<Incidencia> incidencias;
     OpcionesDeReproduccion o;
+    o.alIncidir = [&](const Incidencia& i) { incidencias.push_back(i); };
     ResultadoDeReproduccion r;
     EXPECT_EQ(Imprime(archivo, o, &r).size(), 1u);
     EXPECT_TRUE(QFile::exists(victima));
     EXPECT_EQ(r.malFormadas, 5);
+    ASSERT_EQ(incidencias.size(), 6u);
+    EXPECT_EQ(incidencias.back().tipo, Incidencia::Tipo::Aviso);
+    EXPECT_EQ(incidencias.back().renglon, 7);
 
     // Strictly, the first bad line stops it and nothing comes out.
     o.estricto = true;
     EXPECT_TRUE(Imprime(archivo, o, &r).empty());
     EXPECT_TRUE(r.abortada);
-}
-
-TEST(ReproduccionDeGuion, UnMensajeDelComponenteSeVuelveAvisoSinDetenerse) {
-    QTemporaryDir dir;
-    const QString archivo =
-        Escribe(dir.filePath(u"barras.txt"_s),
-                "IniciaDocumento\n"
-                "Codigo39 Fn(\"100\"),Fn(\"100\"),Fn(\"15\"),Fn(\"500\"),\"abc~\",False,False,\"\",\"\"\n"
-                "Say Fn(\"1\"),Fn(\"1\"),\"despues\"\n"
-                "FinDocumento\n");
-    std::vector<Incidencia> avisos;
-    OpcionesDeReproduccion o;
-    o.alIncidir = [&](const Incidencia& i) { avisos.push_back(i); };
-    EXPECT_EQ(Imprime(archivo, o).size(), 1u);
-    ASSERT_EQ(avisos.size(), 1u);
-    EXPECT_EQ(avisos[0].tipo, Incidencia::Tipo::Aviso);
-    EXPECT_EQ(avisos[0].renglon, 2);
 }
 
 TEST(ReproduccionDeGuion, PapelYOrientacionSeRespetanAunEnUnaPaginaSola) {
@@ -170,39 +137,26 @@ TEST(ReproduccionDeGuion, PapelYOrientacionSeRespetanAunEnUnaPaginaSola) {
                                     "Portrait\nPaperSize Fn(\"256\"),Fn(\"4\"),Fn(\"6\")\nPaginaNueva\n"
                                     "Say Fn(\"1\"),Fn(\"1\"),\"tres\"\nFinDocumento\n");
     const QSize carta(11 * kPpp, qRound(8.5 * kPpp)), chica(4 * kPpp, 6 * kPpp);
-    struct Caso {
-        std::vector<std::pair<int, int>> rangos;
-        std::vector<QSize> tamanos;
-    } casos[] = {
-        {{}, {carta, carta, chica}},
-        {{{3, 3}}, {chica}},
-        {{{2, 2}}, {carta}},
+    const std::pair<std::vector<std::pair<int, int>>, std::vector<QSize>> casos[] = {
+        {{}, {carta, carta, chica}}, {{{3, 3}}, {chica}}, {{{2, 2}}, {carta}},
     };
-    for (const Caso& c : casos) {
+    for (const auto& [rangos, tamanos] : casos) {
         OpcionesDeReproduccion o;
-        o.seleccion.rangos = c.rangos;
+        o.seleccion.rangos = rangos;
         const Paginas paginas = Imprime(archivo, o);
-        ASSERT_EQ(paginas.size(), c.tamanos.size());
-        for (size_t i = 0; i < paginas.size(); ++i) EXPECT_EQ(paginas[i].size(), c.tamanos[i]) << i;
+        ASSERT_EQ(paginas.size(), tamanos.size());
+        for (size_t i = 0; i < paginas.size(); ++i) EXPECT_EQ(paginas[i].size(), tamanos[i]) << i;
     }
 }
 
 TEST(ReproduccionDeGuion, ListasDePaginas) {
     using R = std::vector<std::pair<int, int>>;
-    struct Caso {
-        const char16_t* texto;
-        std::optional<R> esperado;
-    } casos[] = {
-        {u"1, 4,7-9", R{{1, 1}, {4, 4}, {7, 9}}},
-        {u"10-", R{{10, INT32_MAX}}},
-        {u"0", std::nullopt},
-        {u"5-2", std::nullopt},
-        {u"", std::nullopt},
-        {u"1,,2", std::nullopt},
-        {u"-3", std::nullopt},
+    const std::pair<const char16_t*, std::optional<R>> casos[] = {
+        {u"1, 4,7-9", R{{1, 1}, {4, 4}, {7, 9}}}, {u"10-", R{{10, INT32_MAX}}}, {u"0", std::nullopt},
+        {u"5-2", std::nullopt}, {u"", std::nullopt}, {u"1,,2", std::nullopt}, {u"-3", std::nullopt},
     };
-    for (const Caso& c : casos)
-        EXPECT_EQ(LeeRangosDePaginas(QString::fromUtf16(c.texto)), c.esperado) << QString::fromUtf16(c.texto).toStdString();
+    for (const auto& [texto, esperado] : casos)
+        EXPECT_EQ(LeeRangosDePaginas(QString::fromUtf16(texto)), esperado) << QString::fromUtf16(texto).toStdString();
 }
 
 }  // namespace

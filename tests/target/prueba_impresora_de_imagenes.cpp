@@ -2,14 +2,9 @@
 // over, and the sheet and resolution of each page. The drawing itself is the
 // preview surfaces'; the sheet members are shared with the system printer.
 
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
-#include "comun/utilerias_de_prueba.h"
 #include "target/impresora_de_imagenes.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::NumeroDeError;
 
 namespace {
 
@@ -47,21 +42,16 @@ TEST(ImpresoraImagenes, CadaPaginaEsSuHojaEnteraALaResolucionElegida) {
 }
 
 TEST(ImpresoraImagenes, PaginasEntregadasPorTrabajo) {
-    struct Caso {
-        const char* nombre;
-        QString pasos;  // Print, NewPage, EndDoc, KillDoc, Suprime, Destruye
-        std::vector<int> entregadas;
-    } casos[] = {
-        {"nada sin salida", u"EE"_s, {}},
-        {"solo paginas nuevas", u"NNE"_s, {1, 2, 3}},
-        {"dos trabajos", u"PNEPE"_s, {1, 2, 1}},
-        {"KillDoc descarta la pagina en curso", u"PNPKPE"_s, {1, 1}},
+    // Steps (Print, NewPage, EndDoc, KillDoc, Suprime, Destruye) and the page numbers handed over.
+    const std::tuple<const char*, QString, std::vector<int>> casos[] = {
+        {"nada sin salida", u"EE"_s, {}}, {"solo paginas nuevas", u"NNE"_s, {1, 2, 3}},
+        {"dos trabajos", u"PNEPE"_s, {1, 2, 1}}, {"KillDoc descarta la pagina en curso", u"PNPKPE"_s, {1, 1}},
         {"suprimido o no, al destruirse entrega lo abierto", u"PNSD"_s, {1, 2}},
     };
-    for (const Caso& c : casos) {
+    for (const auto& [nombre, pasos, entregadas] : casos) {
         Entregadas e;
         auto o = e.Crea(100);
-        for (QChar paso : c.pasos) {
+        for (QChar paso : pasos) {
             switch (paso.unicode()) {
             case u'P': o->Llama(u"Print"_s, {u"x"_s}); break;
             case u'N': o->Llama(u"NewPage"_s); break;
@@ -71,7 +61,7 @@ TEST(ImpresoraImagenes, PaginasEntregadasPorTrabajo) {
             case u'D': o.reset(); break;
             }
         }
-        EXPECT_EQ(e.numeros, c.entregadas) << c.nombre;
+        EXPECT_EQ(e.numeros, entregadas) << nombre;
     }
 }
 

@@ -1,20 +1,14 @@
 // The printer object over its PDF engine (the embedded default printer),
-// read back with the poppler tools. The print-server side is in
+// read back with the poppler tools; suppressed output (the same state moves,
+// nothing reaches the paper, an open job is left alone), and the PDF printer
+// that writes every job to one named file. A page printed alone after
+// suppressed ones is proven in replay; the print-server side is in
 // tests/cups/prueba_impresora_cups.cpp.
 
-#include <QDir>
-#include <QRegularExpression>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include "comun/herramientas_pdf.h"
-#include "comun/utilerias_de_prueba.h"
-#include "target/imagen.h"
 #include "target/impresora_sistema.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using namespace kalo::prueba;
 
 namespace {
 
@@ -35,15 +29,10 @@ TEST_F(ImpresoraPdf, HojaPorCodigoOrientacionYMedidas) {
     o.Asigna(u"ScaleMode"_s, int16_t{3});
     EXPECT_NEAR(Num(u"ScaleWidth"_s), 10200, 1e-2);
     EXPECT_NEAR(Num(u"ScaleHeight"_s), 13200, 1e-2);
-    struct Caso {
-        std::vector<std::pair<QString, int32_t>> asigna;
-        int16_t papel, orientacion;
-        int32_t ancho, alto;  // twips
-    } casos[] = {
-        {{}, 1, 1, 12240, 15840},
-        {{{u"PaperSize"_s, 9}}, 9, 1, 11906, 16838},
-        {{{u"PaperSize"_s, 5}}, 5, 1, 12240, 20160},
-        {{{u"PaperSize"_s, 11}}, 11, 1, 8391, 11906},
+    // Assignments, then the code, orientation and sides in twips they leave.
+    const std::tuple<std::vector<std::pair<QString, int32_t>>, int16_t, int16_t, int32_t, int32_t> casos[] = {
+        {{}, 1, 1, 12240, 15840}, {{{u"PaperSize"_s, 9}}, 9, 1, 11906, 16838},
+        {{{u"PaperSize"_s, 5}}, 5, 1, 12240, 20160}, {{{u"PaperSize"_s, 11}}, 11, 1, 8391, 11906},
         // 256 only names a user-defined sheet; Width and Height make one.
         {{{u"PaperSize"_s, 9}, {u"PaperSize"_s, 256}}, 9, 1, 11906, 16838},
         {{{u"Orientation"_s, 2}}, 1, 2, 15840, 12240},
@@ -52,27 +41,25 @@ TEST_F(ImpresoraPdf, HojaPorCodigoOrientacionYMedidas) {
         // In landscape Width is the long side as the sheet lies.
         {{{u"Width"_s, 5760}, {u"Height"_s, 8640}, {u"Orientation"_s, 2}, {u"Width"_s, 10080}}, 256, 2, 10080, 5760},
     };
-    for (const Caso& c : casos) {
-        SCOPED_TRACE(&c - casos);
+    for (const auto& caso : casos) {
+        const auto& [asigna, papel, orientacion, ancho, alto] = caso;
+        SCOPED_TRACE(&caso - casos);
         auto nueva = ImpresoraDelSistema::EnPdf(carpeta.path());
         Objeto& h = *nueva;
-        for (const auto& [miembro, valor] : c.asigna) h.Asigna(miembro, valor);
-        EXPECT_EQ(CInt(h.Lee(u"PaperSize"_s)), c.papel);
-        EXPECT_EQ(CInt(h.Lee(u"Orientation"_s)), c.orientacion);
-        EXPECT_EQ(CLng(h.Lee(u"Width"_s)), c.ancho);
-        EXPECT_EQ(CLng(h.Lee(u"Height"_s)), c.alto);
-        const double tolerancia = c.ancho % 20 || c.alto % 20 ? 10 : 1e-3;  // half a point, or exact
-        EXPECT_NEAR(CDbl(h.Lee(u"ScaleWidth"_s)), c.ancho, tolerancia);
-        EXPECT_NEAR(CDbl(h.Lee(u"ScaleHeight"_s)), c.alto, tolerancia);
+        for (const auto& [miembro, valor] : asigna) h.Asigna(miembro, valor);
+        EXPECT_EQ(CInt(h.Lee(u"PaperSize"_s)), papel);
+        EXPECT_EQ(CInt(h.Lee(u"Orientation"_s)), orientacion);
+        EXPECT_EQ(CLng(h.Lee(u"Width"_s)), ancho);
+        EXPECT_EQ(CLng(h.Lee(u"Height"_s)), alto);
+        const double tolerancia = ancho % 20 || alto % 20 ? 10 : 1e-3;  // half a point, or exact
+        EXPECT_NEAR(CDbl(h.Lee(u"ScaleWidth"_s)), ancho, tolerancia);
+        EXPECT_NEAR(CDbl(h.Lee(u"ScaleHeight"_s)), alto, tolerancia);
     }
 }
 
 TEST_F(ImpresoraPdf, ValoresQueSeRechazan) {
     EXPECT_EQ(o.Lee(u"DeviceName"_s).texto(), u"PDF (KaloImpresora)"_s);
-    struct Caso {
-        QString miembro;
-        int32_t valor, error;
-    } casos[] = {
+    const std::tuple<QString, int32_t, int32_t> casos[] = {
         {u"DeviceName"_s, 1, err::kNoAdmitePropiedadOMetodo}, {u"hDC"_s, 1, err::kNoAdmitePropiedadOMetodo},
         {u"Page"_s, 1, err::kNoAdmitePropiedadOMetodo},       {u"ArchivoDeSalida"_s, 1, err::kNoAdmitePropiedadOMetodo},
         {u"PaperSize"_s, 0, err::kValorDePropiedadNoValido},  {u"PaperSize"_s, 9999, err::kValorDePropiedadNoValido},
@@ -81,8 +68,8 @@ TEST_F(ImpresoraPdf, ValoresQueSeRechazan) {
         {u"Copies"_s, 0, err::kValorDePropiedadNoValido},     {u"Copies"_s, 40000, err::kDesbordamiento},
         {u"ModoDeFondo"_s, 0, err::kValorDePropiedadNoValido},
     };
-    for (const Caso& c : casos)
-        EXPECT_EQ(NumeroDeError([&] { o.Asigna(c.miembro, c.valor); }), c.error) << c.miembro.toStdString();
+    for (const auto& [miembro, valor, error] : casos)
+        EXPECT_EQ(NumeroDeError([&] { o.Asigna(miembro, valor); }), error) << miembro.toStdString();
     EXPECT_EQ(NumeroDeError([&] { o.Llama(u"ScaleX"_s, {1, int16_t{9}, int16_t{1}}); }), err::kLlamadaNoValida);
 }
 
@@ -111,19 +98,15 @@ TEST_F(ImpresoraPdf, CopiasModoDeFondoYFuente) {
 TEST_F(ImpresoraPdf, ScaleXYConviertenEntreUnidades) {
     o.Asigna(u"ScaleMode"_s, int16_t{5});
     const Variant falta = Variant::Falta();
-    struct Caso {
-        double valor;
-        Variant de, a;
-        double esperado;
-    } casos[] = {
+    const std::tuple<double, Variant, Variant, double> casos[] = {
         {1, int16_t{5}, int16_t{1}, 1440},     // inches to twips
         {2540, int16_t{8}, int16_t{6}, 25.4},  // HIMETRIC to mm
         {1440, int16_t{1}, int16_t{3}, 1200},  // the file's 1200 dots per inch
         {2540, falta, falta, 1},               // HIMETRIC to the current scale (inches)
     };
-    for (const Caso& c : casos) {
-        EXPECT_NEAR(CDbl(o.Llama(u"ScaleX"_s, {c.valor, c.de, c.a})), c.esperado, 1e-9 * c.esperado) << c.valor;
-        EXPECT_NEAR(CDbl(o.Llama(u"ScaleY"_s, {c.valor, c.de, c.a})), c.esperado, 1e-9 * c.esperado) << c.valor;
+    for (const auto& [valor, de, a, esperado] : casos) {
+        EXPECT_NEAR(CDbl(o.Llama(u"ScaleX"_s, {valor, de, a})), esperado, 1e-9 * esperado) << valor;
+        EXPECT_NEAR(CDbl(o.Llama(u"ScaleY"_s, {valor, de, a})), esperado, 1e-9 * esperado) << valor;
     }
     // User mode is the scale in force: 100 units across 8.5 inches.
     o.Llama(u"Scale"_s, {0, 0, 100, 200});
@@ -180,15 +163,11 @@ TEST_F(ImpresoraPdf, ElDibujoLlegaAlPapel) {
 
     const QImage pagina = PaginaComoImagen(Salida(), 1, 72);
     ASSERT_EQ(pagina.size(), QSize(612, 792));
-    struct Punto {
-        const char* que;
-        int x, y;
-        bool tinta;
-    } puntos[] = {{"linea", 144, 72, true},          {"bajo la linea", 144, 90, false},
-                  {"caja llena", 396, 396, true},    {"fuera de la caja", 450, 450, false},
-                  {"borde del circulo", 180, 576, true}, {"centro del circulo", 144, 576, false},
-                  {"imagen", 504, 108, true},        {"esquina en blanco", 20, 20, false}};
-    for (const Punto& p : puntos) EXPECT_EQ(HayTinta(pagina, p.x, p.y), p.tinta) << p.que;
+    const std::tuple<const char*, int, int, bool> puntos[] = {
+        {"linea", 144, 72, true},          {"bajo la linea", 144, 90, false},    {"caja llena", 396, 396, true},
+        {"fuera de la caja", 450, 450, false}, {"borde del circulo", 180, 576, true},
+        {"centro del circulo", 144, 576, false}, {"imagen", 504, 108, true}, {"esquina en blanco", 20, 20, false}};
+    for (const auto& [que, x, y, tinta] : puntos) EXPECT_EQ(HayTinta(pagina, x, y), tinta) << que;
     // The text lies on its line and is as wide as TextWidth said.
     int derecha = 0;
     for (int x = 60; x < 612; ++x)
@@ -206,6 +185,104 @@ TEST(CarpetaDeImpresos, VariableDeEntornoODatosDelUsuario) {
     EXPECT_EQ(CarpetaDeImpresos(), u"/var/tmp/datos-de-prueba/kaloimpresora/impresos"_s);
     for (auto [nombre, valor] : {std::pair{"KALO_CARPETA_DE_IMPRESOS", propia}, std::pair{"XDG_DATA_HOME", datos}})
         valor.isNull() ? qunsetenv(nombre) : qputenv(nombre, valor);
+}
+
+double X(Objeto& o) { return CDbl(o.Lee(u"CurrentX"_s)); }
+double Y(Objeto& o) { return CDbl(o.Lee(u"CurrentY"_s)); }
+
+// Each step run on a printer that draws and on one that only measures: the
+// print position ends the same after every one. One step per kind of output,
+// each starting where it would not leave the position.
+TEST(Suprime, LaPosicionSeMueveIgualSinDibujar) {
+    QTemporaryDir carpeta;
+    auto dibuja = ImpresoraDelSistema::EnArchivoPdf(carpeta.filePath(u"dibujado.pdf"_s));
+    auto mide = ImpresoraDelSistema::EnArchivoPdf(carpeta.filePath(u"medido.pdf"_s));
+    mide->Asigna(u"Suprime"_s, true);
+    const std::vector<Paso> pasos = {
+        {u"=ScaleMode"_s, {int16_t{5}}}, {u"Print"_s, {u"uno\r\ndos"_s, true}}, {u"=FontSize"_s, {20}},
+        {u"Print"_s, {u"Grande"_s, true}}, {u"Cls"_s, {}}, {u"Line"_s, {int16_t{4}, 1.0, 1.0, 3.0, 2.0}},
+        {u"Circle"_s, {int16_t{1}, 0.5, 0.5, 0.25}},  // centre relative to the position
+        {u"Scale"_s, {10, 20, 110, 220}}, {u"NewPage"_s, {}}, {u"Print"_s, {u"z"_s}},
+    };
+    for (const Paso& p : pasos) {
+        SCOPED_TRACE(p.miembro.toStdString());
+        for (ImpresoraDelSistema* i : {dibuja.get(), mide.get()})
+            p.miembro == u"Cls"_s ? i->lienzo().Cls() : void(Aplica(*i, p));
+        EXPECT_DOUBLE_EQ(X(*mide), X(*dibuja));
+        EXPECT_DOUBLE_EQ(Y(*mide), Y(*dibuja));
+        EXPECT_EQ(CLng(mide->Lee(u"hDC"_s)), 0);
+        EXPECT_EQ(CLng(mide->Lee(u"Page"_s)), 0);
+    }
+    EXPECT_DOUBLE_EQ(X(*dibuja), 10) << "NewPage goes to the user scale's origin";
+    dibuja->Llama(u"EndDoc"_s);
+    mide->Llama(u"EndDoc"_s);
+    EXPECT_EQ(LeePdf(carpeta.filePath(u"dibujado.pdf"_s)).paginas, 2);
+    EXPECT_EQ(QDir(carpeta.path()).entryList(QDir::Files), QStringList{u"dibujado.pdf"_s});
+
+    // Back to drawing, an empty Print with no line feed opens the job without
+    // moving the position.
+    const double x = X(*mide), y = Y(*mide);
+    mide->Asigna(u"Suprime"_s, false);
+    mide->Llama(u"Print"_s, {u""_s, true});
+    EXPECT_NE(CLng(mide->Lee(u"hDC"_s)), 0);
+    EXPECT_EQ(CLng(mide->Lee(u"Page"_s)), 1);
+    EXPECT_DOUBLE_EQ(X(*mide), x);
+    EXPECT_DOUBLE_EQ(Y(*mide), y);
+    mide->Llama(u"EndDoc"_s);
+    EXPECT_EQ(LeePdf(carpeta.filePath(u"medido.pdf"_s)).paginas, 1);
+}
+
+TEST(Suprime, UnTrabajoAbiertoQuedaComoEstaba) {
+    QTemporaryDir carpeta;
+    const QString ruta = carpeta.filePath(u"trabajo.pdf"_s);
+    auto pdf = ImpresoraDelSistema::EnArchivoPdf(ruta);
+    Objeto& o = *pdf;
+    o.Llama(u"Print"_s, {u"antes"_s});
+    const int32_t hdc = CLng(o.Lee(u"hDC"_s));
+    o.Asigna(u"Suprime"_s, true);
+    EXPECT_TRUE(CBool(o.Lee(u"Suprime"_s)));
+    o.Llama(u"Scale"_s, {5, 7, 105, 207});
+    o.Asigna(u"CurrentX"_s, 50);
+    o.Asigna(u"CurrentY"_s, 60);
+    // EndDoc and KillDoc do nothing at all, not even to the position.
+    o.Llama(u"EndDoc"_s);
+    o.Llama(u"KillDoc"_s);
+    EXPECT_DOUBLE_EQ(X(o), 50);
+    EXPECT_DOUBLE_EQ(Y(o), 60);
+    EXPECT_EQ(CLng(o.Lee(u"hDC"_s)), hdc);
+    // NewPage makes no page; it only sends the position to the scale's origin.
+    o.Llama(u"NewPage"_s);
+    o.Llama(u"NewPage"_s);
+    EXPECT_EQ(CLng(o.Lee(u"Page"_s)), 1);
+    EXPECT_DOUBLE_EQ(X(o), 5);
+    EXPECT_DOUBLE_EQ(Y(o), 7);
+    EXPECT_FALSE(QFileInfo::exists(ruta));
+    o.Asigna(u"Suprime"_s, false);
+    o.Llama(u"EndDoc"_s);
+    EXPECT_EQ(CLng(o.Lee(u"hDC"_s)), 0);
+    EXPECT_EQ(LeePdf(ruta).paginas, 1);
+}
+
+// Each ended job replaces the file whole; a killed one leaves it as it was.
+TEST(Suprime, ArchivoPdfFijoReemplazadoPorCadaTrabajo) {
+    QTemporaryDir carpeta;
+    const QString ruta = carpeta.filePath(u"sub/carpeta/salida.pdf"_s);
+    auto pdf = ImpresoraDelSistema::EnArchivoPdf(ruta);
+    Objeto& o = *pdf;
+    EXPECT_EQ(o.Lee(u"DeviceName"_s).texto(), u"PDF (KaloImpresora)"_s);
+    for (int paginas : {2, 1}) {
+        o.Llama(u"Print"_s, {u"x"_s});
+        if (paginas == 2) o.Llama(u"NewPage"_s);
+        o.Llama(u"EndDoc"_s);
+        EXPECT_EQ(LeePdf(ruta).paginas, paginas);
+    }
+    o.Llama(u"Print"_s, {u"descartado"_s});
+    o.Llama(u"NewPage"_s);
+    o.Llama(u"KillDoc"_s);
+    EXPECT_EQ(CLng(o.Lee(u"hDC"_s)), 0);
+    EXPECT_EQ(o.Lee(u"ArchivoDeSalida"_s).texto(), ruta);
+    EXPECT_EQ(LeePdf(ruta).paginas, 1);
+    EXPECT_EQ(QDir(QFileInfo(ruta).path()).entryList(QDir::Files), QStringList{u"salida.pdf"_s});
 }
 
 }  // namespace

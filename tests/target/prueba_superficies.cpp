@@ -1,26 +1,13 @@
 // The preview surfaces driven only by member name, as the drawing-target layer
 // drives them, checked on the pixels they leave.
 
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include <QApplication>
 #include <QPainter>
-#include <QTemporaryDir>
-#include <cmath>
 #include <numbers>
-#include <optional>
 
-#include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/superficies.h"
-#include "runtime/aplicacion.h"
-#include "target/imagen.h"
 #include "target/lienzo.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::Aplica;
-using kalo::prueba::NumeroDeError;
-using kalo::prueba::Paso;
 
 namespace {
 
@@ -61,18 +48,16 @@ protected:
 }  // namespace
 
 TEST(Superficies, CadaModoDeEscalaMideLaSuperficieEnSuUnidad) {
-    struct Caso {
-        int16_t modo;
-        double ancho, alto;  // of 960 x 480 pixels at 96 dpi
-    } casos[] = {{1, 14400, 7200}, {2, 720, 360}, {3, 960, 480}, {4, 120, 30},
-                 {5, 10, 5},       {6, 254, 127}, {7, 25.4, 12.7}};
+    // Mode, and the width and height of 960 x 480 pixels at 96 dpi in it.
+    const std::tuple<int16_t, double, double> casos[] = {{1, 14400, 7200}, {2, 720, 360}, {3, 960, 480}, {4, 120, 30},
+                                                         {5, 10, 5},       {6, 254, 127}, {7, 25.4, 12.7}};
     auto s = CreaSuperficieDeImagen(960, 480);
     EXPECT_EQ(s->Lee(u"ScaleMode"_s).entero(), 1) << "a new surface works in twips";
-    for (const Caso& c : casos) {
+    for (const auto& [modo, ancho, alto] : casos) {
         s->Llama(u"Scale"_s, {1.0, 1.0, 3.0, 3.0});
-        s->Asigna(u"ScaleMode"_s, c.modo);
-        EXPECT_NEAR(Num(s->Lee(u"ScaleWidth"_s)), c.ancho, 1e-9) << c.modo;
-        EXPECT_NEAR(Num(s->Lee(u"ScaleHeight"_s)), c.alto, 1e-9) << c.modo;
+        s->Asigna(u"ScaleMode"_s, modo);
+        EXPECT_NEAR(Num(s->Lee(u"ScaleWidth"_s)), ancho, 1e-9) << modo;
+        EXPECT_NEAR(Num(s->Lee(u"ScaleHeight"_s)), alto, 1e-9) << modo;
         EXPECT_EQ(Num(s->Lee(u"ScaleLeft"_s)), 0) << "a unit puts the origin back at 0,0";
     }
     s->Asigna(u"ScaleWidth"_s, 4.0);
@@ -148,7 +133,7 @@ TEST(Superficies, LoDibujadoCaeEnSusPixeles) {
             EXPECT_DOUBLE_EQ(Num(s->Lee(u"CurrentX"_s)), c.posicion->x());
             EXPECT_DOUBLE_EQ(Num(s->Lee(u"CurrentY"_s)), c.posicion->y());
         }
-        if (c.todaLaTinta) EXPECT_EQ(Oscuros(i, *c.todaLaTinta).second, 0);
+        if (c.todaLaTinta) { EXPECT_EQ(Oscuros(i, *c.todaLaTinta).second, 0); }
     }
 }
 
@@ -247,14 +232,12 @@ TEST(Superficies, CirculoYArcoPasanPorSuRadio) {
                 if (i.pixel(x + dx, y + dy) == kRojo) return true;
         return false;
     };
-    struct Punto {
-        int x, y;
-        bool rojo;
-    } puntos[] = {{288, 192, true},  {96, 192, true},        {192, 96, true},  {192, 288, true},
-                  {192, 192, false}, {150, 150, false},      {672, 192, true}, {576, 96, true},
-                  {480, 192, false},  // the arc stops at a quarter
-                  {576, 288, false}, {192, 576 - 48, true}, {192, 576 - 96, false}};
-    for (const Punto& p : puntos) EXPECT_EQ(cerca(p.x, p.y), p.rojo) << p.x << "," << p.y;
+    const std::tuple<int, int, bool> puntos[] = {{288, 192, true},  {96, 192, true},        {192, 96, true},
+                                                 {192, 288, true},  {192, 192, false},      {150, 150, false},
+                                                 {672, 192, true},  {576, 96, true},
+                                                 {480, 192, false},  // the arc stops at a quarter
+                                                 {576, 288, false}, {192, 576 - 48, true}, {192, 576 - 96, false}};
+    for (const auto& [x, y, rojo] : puntos) EXPECT_EQ(cerca(x, y), rojo) << x << "," << y;
     EXPECT_DOUBLE_EQ(Num(s->Lee(u"CurrentX"_s)), 2) << "the position ends at the centre";
 }
 

@@ -1,22 +1,12 @@
 // The kaloimpresora command run as a user runs it: exit codes, messages
 // naming file, page and row, and the files it writes.
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QImage>
+#include "comun/prueba.h"
 #include <QProcess>
-#include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 #include "comun/herramientas_pdf.h"
 #include "automation/componentes.h"
-#include "comun/utilerias_de_prueba.h"
-#include "runtime/aplicacion.h"
 #include "visor.h"
-
-using namespace Qt::StringLiterals;
-using kalo::prueba::LeePdf;
 
 namespace {
 
@@ -72,11 +62,8 @@ TEST_F(Herramienta, CodigosDeSalidaYMensajes) {
     QImage(8, 8, QImage::Format_RGB32).save(binario);
     const QString malo = Escribe(u"malo.txt"_s, "IniciaDocumento\nSay Fn(\"1\"),\"x\"\nBorraArchivo\nFinDocumento\n");
     const QString pdf = dir.filePath(u"salida.pdf"_s), falta = dir.filePath(u"no-esta.rep"_s);
-    struct Caso {
-        QStringList args;
-        int codigo;
-        QString enErr;  // text expected on stderr ("" for none)
-    } casos[] = {
+    // Arguments, exit code and what stderr says.
+    const std::tuple<QStringList, int, QString> casos[] = {
         {{}, 1, u"Falta la orden"_s},
         {{u"reimprime"_s}, 1, u"Orden desconocida: reimprime"_s},
         {{u"imprime"_s, guion, u"--paginas"_s, u"3-1"_s}, 1, u"Lista de páginas no válida: 3-1"_s},
@@ -89,10 +76,10 @@ TEST_F(Herramienta, CodigosDeSalidaYMensajes) {
         {{u"imprime"_s, guion, u"--paginas"_s, u"9"_s, u"--pdf"_s, pdf}, 5, u"ninguna página"_s},
         {{u"vista"_s, guion}, 4, u"No hay pantalla"_s},
     };
-    for (const Caso& c : casos) {
-        const Salida s = Corre(c.args);
-        EXPECT_EQ(s.codigo, c.codigo) << c.args.join(u' ').toStdString() << "\n" << s.err.toStdString();
-        EXPECT_TRUE(s.err.contains(c.enErr)) << c.args.join(u' ').toStdString() << "\n" << s.err.toStdString();
+    for (const auto& [args, codigo, enErr] : casos) {
+        const Salida s = Corre(args);
+        EXPECT_EQ(s.codigo, codigo) << args.join(u' ').toStdString() << "\n" << s.err.toStdString();
+        EXPECT_TRUE(s.err.contains(enErr)) << args.join(u' ').toStdString() << "\n" << s.err.toStdString();
     }
     // Strict refusal wrote nothing.
     EXPECT_FALSE(QFile::exists(pdf));
