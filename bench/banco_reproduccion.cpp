@@ -3,7 +3,6 @@
 // of each: a replay streams its rows, so its memory must not follow the pages.
 
 #include <benchmark/benchmark.h>
-#include <malloc.h>
 
 #include <QFile>
 #include <QFileInfo>
@@ -19,6 +18,7 @@
 #include <map>
 #include <string>
 
+#include "memoria.h"
 #include "kaloimpresora/impresora.h"
 #include "kaloimpresora/impresoras.h"
 #include "kaloimpresora/superficies.h"
@@ -205,20 +205,8 @@ QString ReporteDe(int paginas) {
     return hechos[paginas] = reporte;
 }
 
-double CampoDeEstadoMiB(const std::string& campo) {
-    std::ifstream estado("/proc/self/status");
-    for (std::string linea; std::getline(estado, linea);)
-        if (linea.rfind(campo + ':', 0) == 0) return std::stod(linea.substr(campo.size() + 1)) / 1024.0;
-    return -1;
-}
-
-// The high-water mark starts again from what is resident now; freed heap is
-// handed back first, so that the starting point is what is really in use.
-double ReiniciaPico() {
-    malloc_trim(0);
-    std::ofstream("/proc/self/clear_refs") << "5";
-    return CampoDeEstadoMiB("VmRSS");
-}
+using kalo::banco::CampoDeEstadoMiB;
+using kalo::banco::ReiniciaPico;
 
 void AnotaMemoria(benchmark::State& estado, double antes) {
     const double pico = CampoDeEstadoMiB("VmHWM");
