@@ -152,10 +152,9 @@ TEST_F(BarrasComoImagen, ComandosYPedidosConSusValoresPorOmision) {
         imp.InvocaPorNombre(QString::fromUtf8(comando).section(u' ', 0, 0), Llamada::Metodo, argumentos);
         EXPECT_EQ(UltimoComando(), QString::fromUtf8(comando) + u"\r\n"_s);
         EXPECT_EQ(codificador->pedido, QString::fromUtf8(pedido));
-        const auto pintura = vista->De(u"PaintPicture"_s).back().argumentos;
-        ASSERT_EQ(pintura.size(), 5u);
-        EXPECT_EQ(pintura[0].objeto(), codificador->imagen);
-        EXPECT_TRUE(pintura[3].identico(argumentos[4]));
+        const std::vector<Variant> pintura = {codificador->imagen, argumentos[2], argumentos[3], argumentos[4],
+                                              argumentos[5]};
+        EXPECT_TRUE(Identicos(vista->De(u"PaintPicture"_s).back().argumentos, pintura));
     }
 }
 

@@ -26,6 +26,17 @@ int32_t NumeroDeError(F&& cuerpo, QString* descripcion = nullptr, QString* orige
     return 0;
 }
 
+// Values alike one by one, each of the same type and contents; Describe shows them.
+inline bool Identicos(const std::vector<Variant>& a, const std::vector<Variant>& b) {
+    return std::ranges::equal(a, b, [](const Variant& x, const Variant& y) { return x.identico(y); });
+}
+
+inline std::string Describe(const std::vector<Variant>& v) {
+    QStringList partes;
+    for (const auto& a : v) partes << QString::number(static_cast<int>(a.tipo())) + u':' + CStr(a);
+    return partes.join(QStringLiteral(" | ")).toStdString();
+}
+
 // Writes a file whole and gives back its path.
 inline QString Escribe(const QString& ruta, const QByteArray& contenido) {
     QFile f(ruta);

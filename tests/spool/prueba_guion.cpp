@@ -15,17 +15,10 @@ namespace {
 
 using Guion = prueba::ConImpresoraYVistaGrabadoras<>;
 
-// The word and each argument's type and text.
-std::string Describe(const Comando& c) {
-    QStringList partes{c.palabra};
-    for (const auto& a : c.argumentos) partes << QString::number(static_cast<int>(a.tipo())) + u':' + CStr(a);
-    return partes.join(u" | "_s).toStdString();
-}
+std::string Describe(const Comando& c) { return c.palabra.toStdString() + " | " + prueba::Describe(c.argumentos); }
 
 bool Iguales(const Comando& a, const Comando& b) {
-    return a.palabra == b.palabra && std::ranges::equal(a.argumentos, b.argumentos, [](const Variant& x, const Variant& y) {
-               return x.identico(y);
-           });
+    return a.palabra == b.palabra && Identicos(a.argumentos, b.argumentos);
 }
 
 // A database made by hand, statement by statement.

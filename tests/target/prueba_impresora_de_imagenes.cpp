@@ -28,7 +28,6 @@ TEST(ImpresoraImagenes, CadaPaginaEsSuHojaEnteraALaResolucionElegida) {
     o->Asigna(u"ScaleMode"_s, int16_t{3});
     EXPECT_DOUBLE_EQ(CDbl(o->Lee(u"ScaleWidth"_s)), 1275);
     EXPECT_DOUBLE_EQ(CDbl(o->Lee(u"ScaleHeight"_s)), 1650);
-    EXPECT_DOUBLE_EQ(CDbl(o->Llama(u"ScaleX"_s, {1440, int16_t{1}, int16_t{3}})), 150);
     o->Llama(u"Print"_s, {u""_s});
     o->Asigna(u"PaperSize"_s, int16_t{11});
     o->Llama(u"NewPage"_s);
