@@ -8,6 +8,7 @@
 #include "paper/impresion_nt.h"
 #include "paper/plataforma.h"
 #include "paper/seleccion.h"
+#include "runtime/recorta.h"
 
 namespace kalo {
 
@@ -98,14 +99,7 @@ std::shared_ptr<Objeto> Impresora::CreaForma() { return nullptr; }
 
 void Impresora::EstableceImpresora(const Variant& strimpresora) {
     if (Paginas == 0) Paginas = 1;
-    // Spaces only, as the runtime's Trim does.
-    const auto sinEspacios = [](QString t) {
-        qsizetype i = 0, f = t.size();
-        while (i < f && t[i] == u' ') ++i;
-        while (f > i && t[f - 1] == u' ') --f;
-        return t.mid(i, f - i);
-    };
-    const QString nombre = strimpresora.esNulo() ? QString() : sinEspacios(CStr(strimpresora));
+    const QString nombre = strimpresora.esNulo() ? QString() : Recorta(CStr(strimpresora));
     RegistraComando(*this, u"EstableceImpresora \""_s + nombre + u'"');
     if (strimpresora.esNulo()) return;
     Ignora([&] { SeleccionaImpresora(nombre); });

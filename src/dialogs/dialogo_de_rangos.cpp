@@ -21,6 +21,7 @@
 #include "kaloimpresora/mensajes.h"
 #include "kaloimpresora/utilerias.h"
 #include "runtime/ignora.h"
+#include "runtime/recorta.h"
 
 namespace kalo::dialogos {
 
@@ -29,14 +30,6 @@ namespace {
 using namespace Qt::StringLiterals;
 
 constexpr int kMensajeBaseDeSucursal = 823;
-
-// Surrounding spaces only, as the branch names are compared.
-QString SinEspacios(const QString& s) {
-    qsizetype i = 0, j = s.size();
-    while (i < j && s[i] == u' ') ++i;
-    while (j > i && s[j - 1] == u' ') --j;
-    return s.mid(i, j - i);
-}
 
 // The window's own icon: a sheet with two ranges, at 16 and 32 pixels.
 QIcon IconoDeRangos() {
@@ -296,7 +289,7 @@ private:
         const int32_t n = CLng(sucursales->Lee(u"Count"_s));
         for (int32_t i = 1; i <= n; ++i) {
             std::shared_ptr<Objeto> item = Sucursal(*sucursales, i);
-            if (SinEspacios(CStr(item->Lee(u"Name"_s))) == SinEspacios(texto))
+            if (Recorta(CStr(item->Lee(u"Name"_s))) == Recorta(texto))
                 conexion = item->Lee(u"Connection"_s).objeto();
         }
         if (!conexion) Lanza(err::kObjetoNoEstablecido);
