@@ -13,7 +13,9 @@
 #include <QPdfWriter>
 #include <QPrinter>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <array>
+#include <span>
 #include <fstream>
 #include <map>
 #include <string>
@@ -23,6 +25,7 @@
 #include "kaloimpresora/impresoras.h"
 #include "kaloimpresora/superficies.h"
 #include "insert_desnudo.h"
+#include "spool/lector.h"
 #include "spool/reproduccion.h"
 #include "runtime/aplicacion.h"
 #include "target/impresora_sistema.h"
@@ -123,6 +126,34 @@ struct Grabador {
     void NuevaPagina() { imp.PaginaNueva(); }
 };
 
+// A host binding late: every member reached by name through the automation
+// boundary, Row and Col included, as a script host calls them.
+struct Tardio {
+    kalo::Objeto& imp;
+
+    kalo::Variant Llama(const QString& miembro, std::initializer_list<kalo::Variant> argumentos,
+                        kalo::Llamada tipo = kalo::Llamada::Metodo) {
+        std::array<kalo::Variant, 5> copia;
+        std::copy(argumentos.begin(), argumentos.end(), copia.begin());
+        return imp.InvocaPorNombre(miembro, tipo, std::span(copia.data(), argumentos.size()));
+    }
+    kalo::Variant Renglon(double r) { return Llama(u"Row"_s, {r}); }
+    kalo::Variant Columna(double c) { return Llama(u"Col"_s, {c}); }
+
+    void Fuente(const QString& nombre, double puntos) { Llama(u"EstableceFuente"_s, {nombre, puntos}); }
+    void Negrita(bool si) { Llama(u"FontBold"_s, {si}); }
+    void Texto(double renglon, double columna, const QString& texto) {
+        Llama(u"Say"_s, {Renglon(renglon), Columna(columna), texto});
+    }
+    void Banda(double renglon, double columna, double columnas, double renglones, int32_t color) {
+        Llama(u"FilledBox"_s, {Columna(columna), Renglon(renglon), Columna(columnas), Renglon(renglones), color});
+    }
+    void Regla(double renglon, double desde, double hasta) {
+        Llama(u"Linea"_s, {Columna(desde), Renglon(renglon), Columna(hasta), Renglon(renglon)});
+    }
+    void NuevaPagina() { Llama(u"PaginaNueva"_s, {}); }
+};
+
 // Straight on the device: what the printer object does, with nothing between.
 class PintorDirecto {
 public:
@@ -205,6 +236,21 @@ QString ReporteDe(int paginas) {
     return hechos[paginas] = reporte;
 }
 
+// The same report as a text script: the spool file's command texts, one per line.
+QString GuionDe(int paginas) {
+    static std::map<int, QString> hechos;
+    if (auto hecho = hechos.find(paginas); hecho != hechos.end()) return hecho->second;
+    const QString reporte = ReporteDe(paginas);
+    if (reporte.isEmpty()) return {};
+    const QString guion = Carpeta().filePath(u"informe-%1.txt"_s.arg(paginas));
+    QFile salida(guion);
+    if (!salida.open(QIODevice::WriteOnly)) return {};
+    kalo::LectorDeReporte lector(reporte);
+    kalo::LectorDeReporte::Renglon renglon;
+    while (lector.Siguiente(renglon)) salida.write(renglon.source.toUtf8());
+    return hechos[paginas] = guion;
+}
+
 using kalo::banco::CampoDeEstadoMiB;
 using kalo::banco::ReiniciaPico;
 
@@ -241,6 +287,46 @@ void ReproduccionAPdf(benchmark::State& estado) {
     estado.counters["comandos"] = static_cast<double>(resultado.comandos);
 }
 BENCHMARK(ReproduccionAPdf)->Arg(50)->Arg(500)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+void GuionAPdf(benchmark::State& estado) {
+    kalo::AseguraAplicacion();
+    const int paginas = static_cast<int>(estado.range(0));
+    const QString guion = GuionDe(paginas);
+    if (guion.isEmpty()) return estado.SkipWithError("no se pudo escribir el guion");
+    const QString salida = Carpeta().filePath(u"guion-%1.pdf"_s.arg(paginas));
+    auto impresora = kalo::ImpresoraDelSistema::EnArchivoPdf(salida);
+
+    kalo::ResultadoDeReproduccion resultado;
+    const double antes = ReiniciaPico();
+    for (auto _ : estado) {
+        auto fuente = kalo::AbreGuion(guion);
+        resultado = kalo::Reproduce(*fuente, impresora, {});
+    }
+    AnotaMemoria(estado, antes);
+    if (resultado.paginasEmitidas != paginas || resultado.errores != 0 || resultado.malFormadas != 0)
+        return estado.SkipWithError("la reproducción no dio el documento escrito");
+    AnotaSalida(estado, paginas, salida);
+}
+BENCHMARK(GuionAPdf)->Arg(500)->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// A host printing the report late-bound to the PDF printer, nothing recorded.
+void InformeTardioAPdf(benchmark::State& estado) {
+    kalo::AseguraAplicacion();
+    const int paginas = static_cast<int>(estado.range(0));
+    const QString salida = Carpeta().filePath(u"tardio-%1.pdf"_s.arg(paginas));
+    kalo::modulo4::Estado() = {};
+    kalo::EstableceImpresoraActual(kalo::ImpresoraDelSistema::EnArchivoPdf(salida));
+    for (auto _ : estado) {
+        auto imp = std::make_shared<kalo::Impresora>();
+        Tardio tardio{*imp};
+        tardio.Llama(u"IniciaDocumento"_s, {});
+        RecorreInforme(paginas, tardio);
+        tardio.Llama(u"FinDocumento"_s, {});
+    }
+    kalo::EstableceImpresoraActual(nullptr);
+    AnotaSalida(estado, paginas, salida);
+}
+BENCHMARK(InformeTardioAPdf)->Arg(500)->Unit(benchmark::kMillisecond)->Iterations(3);
 
 // The least the same document can cost: one painter on a PDF writer with the
 // printer's sheet, margins and resolution.
