@@ -42,11 +42,10 @@ Variant ValorInicial(TipoDato tipo) {
     return Variant();
 }
 
-std::vector<Variant> PreparaArgumentos(const std::vector<Parametro>& parametros,
-                                       std::span<const Variant> argumentos) {
+RanurasEnLinea PreparaArgumentos(const std::vector<Parametro>& parametros, std::span<const Variant> argumentos) {
     if (argumentos.size() > parametros.size()) Lanza(err::kNumeroDeArgumentosErroneo);
-    std::vector<Variant> ranuras;
-    ranuras.reserve(parametros.size());
+    RanurasEnLinea ranuras;
+    ranuras.reserve(qsizetype(parametros.size()));
     for (size_t i = 0; i < parametros.size(); ++i) {
         const Parametro& p = parametros[i];
         const bool omitido = i >= argumentos.size() || argumentos[i].esFalta();

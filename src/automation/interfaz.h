@@ -5,6 +5,7 @@
 // always reach the same member with the same argument rules.
 
 #include <QHash>
+#include <QVarLengthArray>
 #include <QString>
 #include <functional>
 #include <optional>
@@ -85,8 +86,9 @@ struct Miembro {
 // Fills the slots for a method call: converts supplied arguments, applies
 // defaults for omitted optionals, raises 449 for a missing required argument
 // and 450 for too many.
-std::vector<Variant> PreparaArgumentos(const std::vector<Parametro>& parametros,
-                                       std::span<const Variant> argumentos);
+// Inline room for any member's parameters: no call allocates for its slots.
+using RanurasEnLinea = QVarLengthArray<Variant, 10>;
+RanurasEnLinea PreparaArgumentos(const std::vector<Parametro>& parametros, std::span<const Variant> argumentos);
 
 // The part of a member table that does not depend on the class: names and
 // ids. Objects reach it through ConTabla (kaloimpresora/automatizacion.h).
@@ -94,12 +96,7 @@ class TablaDeMiembros {
 public:
     virtual ~TablaDeMiembros() = default;
 
-    int32_t IdDeNombre(const QString& nombre) const {
-        // Names usually come spelled as declared: no case folding, no allocation.
-        if (auto exacto = porNombreExacto_.constFind(nombre); exacto != porNombreExacto_.cend()) return *exacto;
-        auto it = porNombre_.constFind(nombre.toCaseFolded());
-        return it == porNombre_.cend() ? kDispidDesconocido : *it;
-    }
+    int32_t IdDeNombre(const QString& nombre) const;
     virtual Variant Invoca(Objeto& objeto, int32_t dispid, Llamada tipo, std::span<Variant> argumentos) const = 0;
     const QString& nombreDeClase() const { return informacion_.nombreDeClase; }
     const InformacionDeTipo& informacion() const { return informacion_; }
@@ -113,6 +110,8 @@ protected:
     }
 
 private:
+    int32_t BuscaNombre(const QString& nombre) const;
+
     InformacionDeTipo informacion_;
     QHash<QString, int32_t> porNombreExacto_;
     QHash<QString, int32_t> porNombre_;
@@ -165,15 +164,14 @@ public:
         case ClaseDeMiembro::PropiedadDeLectura:
         case ClaseDeMiembro::Metodo: {
             if (!lectura) Lanza(err::kNoAdmitePropiedadOMetodo, origen());
-            std::vector<Variant> ranuras = ConOrigen(origen, [&] {
-                return PreparaArgumentos(m->parametros, argumentos);
-            });
+            RanurasEnLinea ranuras = ConOrigen(origen, [&] { return PreparaArgumentos(m->parametros, argumentos); });
             if (!m->llama) {
                 LanzaNoDisponible(m->nombre, origen());
             }
-            if (argumentos.empty()) return m->llama(objeto, ranuras);
-            std::vector<Variant> antes = ranuras;
-            Variant resultado = m->llama(objeto, ranuras);
+            const std::span<Variant> vista(ranuras.data(), ranuras.size());
+            if (argumentos.empty()) return m->llama(objeto, vista);
+            const RanurasEnLinea antes = ranuras;
+            Variant resultado = m->llama(objeto, vista);
             DevuelvePorReferencia(m->parametros, antes, ranuras, argumentos);
             return resultado;
         }
@@ -192,10 +190,8 @@ private:
         }
     }
 
-    static void DevuelvePorReferencia(const std::vector<Parametro>& parametros,
-                                      const std::vector<Variant>& antes,
-                                      const std::vector<Variant>& despues,
-                                      std::span<Variant> argumentos) {
+    static void DevuelvePorReferencia(const std::vector<Parametro>& parametros, const RanurasEnLinea& antes,
+                                      const RanurasEnLinea& despues, std::span<Variant> argumentos) {
         for (size_t i = 0; i < argumentos.size() && i < parametros.size(); ++i) {
             if (parametros[i].porReferencia && !despues[i].identico(antes[i]))
                 argumentos[i] = despues[i];

@@ -1,4 +1,6 @@
 #include <QVarLengthArray>
+#include <algorithm>
+#include <array>
 
 #include "automation/interfaz.h"
 #include "kaloimpresora/automatizacion.h"
@@ -10,6 +12,42 @@ void LanzaNoDisponible(const QString& miembro, const QString& origen) {
                                 DescripcionDeError(err::kNoAdmiteAccion) + QStringLiteral(": «") + miembro +
                                     QStringLiteral("» aún no está disponible"),
                                 origen);
+}
+
+int32_t TablaDeMiembros::BuscaNombre(const QString& nombre) const {
+    // Names usually come spelled as declared: no case folding, no allocation.
+    if (auto exacto = porNombreExacto_.constFind(nombre); exacto != porNombreExacto_.cend()) return *exacto;
+    auto it = porNombre_.constFind(nombre.toCaseFolded());
+    return it == porNombre_.cend() ? kDispidDesconocido : *it;
+}
+
+int32_t TablaDeMiembros::IdDeNombre(const QString& nombre) const {
+    // Callers ask for the same few names over and over, mostly from the same
+    // literals: a small per-thread cache placed by where the text lives skips
+    // hashing. A hit is checked on the text itself, never on its address alone;
+    // tables are static, so a table's address names it for the whole run.
+    struct Entrada {
+        const TablaDeMiembros* tabla = nullptr;
+        const QChar* donde = nullptr;
+        qsizetype largo = 0;
+        std::array<QChar, 24> texto;
+        int32_t id = kDispidDesconocido;
+    };
+    thread_local std::array<Entrada, 64> cache;
+    const qsizetype largo = nombre.size();
+    if (largo > qsizetype(Entrada{}.texto.size())) return BuscaNombre(nombre);
+    const auto donde = reinterpret_cast<uintptr_t>(nombre.constData());
+    Entrada& e = cache[((donde >> 3) ^ (reinterpret_cast<uintptr_t>(this) >> 4)) % cache.size()];
+    if (e.tabla == this && e.donde == nombre.constData() && e.largo == largo &&
+        std::equal(nombre.cbegin(), nombre.cend(), e.texto.cbegin()))
+        return e.id;
+    const int32_t id = BuscaNombre(nombre);
+    e.tabla = this;
+    e.donde = nombre.constData();
+    e.largo = largo;
+    std::copy(nombre.cbegin(), nombre.cend(), e.texto.begin());
+    e.id = id;
+    return id;
 }
 
 int32_t IdEnTabla(const TablaDeMiembros& tabla, const QString& nombre) { return tabla.IdDeNombre(nombre); }
