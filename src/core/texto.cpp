@@ -3,6 +3,7 @@
 
 #include "core/privado.h"
 #include "kaloimpresora/utilerias.h"
+#include "runtime/valor_interno.h"
 #include "target/modulo4.h"
 
 namespace kalo {
@@ -24,8 +25,8 @@ void Impresora::Say(const Variant& y, const Variant& x, const Variant& strMensaj
     const double fy = CDbl(y);
     const double fx = CDbl(x);
     const QString contenido = util.TextoDeValor(strMensaje);
-    const double nrow = CDbl(Variant(CDbl(y)) / (Variant(FormaAlto()) / Variant(nRow)));
-    const double ncol = CDbl(Variant(CDbl(x)) / (Variant(FormaAncho()) / Variant(nCol)));
+    const double nrow = interno::Cociente(fy, interno::Cociente(FormaAlto(), nRow));
+    const double ncol = interno::Cociente(fx, interno::Cociente(FormaAncho(), nCol));
     QString comando;
     if (Graba(*this)) {
         Cambia(u"''"_s, u"\""_s, citado);
@@ -77,8 +78,8 @@ void Impresora::ColorDeFuente(const Variant& nColor) {
     modulo4::AsignaColor(nColor);
 }
 
-Variant Impresora::Row(const Variant& nRenglon) { return nRenglon * (Variant(FormaAlto()) / Variant(nRow)); }
+Variant Impresora::Row(const Variant& nRenglon) { return nRenglon * Variant(interno::Cociente(FormaAlto(), nRow)); }
 
-Variant Impresora::Col(const Variant& nColumna) { return nColumna * (Variant(FormaAncho()) / Variant(nCol)); }
+Variant Impresora::Col(const Variant& nColumna) { return nColumna * Variant(interno::Cociente(FormaAncho(), nCol)); }
 
 }  // namespace kalo

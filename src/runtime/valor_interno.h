@@ -12,4 +12,8 @@ inline constexpr double kFechaLimite = 2958466.0;
 // raises 91. Anything that is not an object is returned unchanged.
 Variant ValorPorDefecto(const Variant& v);
 
+// The runtime's `/` on two Doubles: 0/0 raises 6, x/0 raises 11, a result
+// beyond Double raises 6.
+double Cociente(double dividendo, double divisor);
+
 }  // namespace kalo::interno

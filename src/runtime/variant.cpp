@@ -63,18 +63,24 @@ enum class Operacion { Suma, Resta, Producto, Cociente };
 using interno::kFechaLimite;
 using interno::kFechaMinima;
 
-// Empty and Boolean take part as Integers, text as Double.
-Variant ComoNumero(const Variant& v) {
+// Empty and Boolean take part as Integers, text as Double. Only a converted
+// operand is copied (into *convertido): plain numbers are read in place.
+const Variant& ComoNumero(const Variant& v, Variant& convertido) {
     switch (v.tipo()) {
     case TipoVariant::Vacio:
-        return Variant(int16_t{0});
+        return convertido = Variant(int16_t{0});
     case TipoVariant::Booleano:
-        return Variant(static_cast<int16_t>(v.booleano() ? -1 : 0));
+        return convertido = Variant(static_cast<int16_t>(v.booleano() ? -1 : 0));
     case TipoVariant::Texto:
-        return Variant(CDbl(v));
+        return convertido = Variant(CDbl(v));
     default:
         return v;
     }
+}
+
+// An object by its default value; anything else in place.
+const Variant& SinObjeto(const Variant& v, Variant& convertido) {
+    return v.esObjeto() ? (convertido = interno::ValorPorDefecto(v)) : v;
 }
 
 bool EsEnteroCorto(TipoVariant t) { return t == TipoVariant::Entero || t == TipoVariant::Largo; }
@@ -165,8 +171,9 @@ Variant OperaConMoneda(Operacion op, const Variant& a, const Variant& b) {
 }
 
 Variant Opera(Operacion op, const Variant& izquierda, const Variant& derecha) {
-    const Variant a = interno::ValorPorDefecto(izquierda);
-    const Variant b = interno::ValorPorDefecto(derecha);
+    Variant valorA, valorB;
+    const Variant& a = SinObjeto(izquierda, valorA);
+    const Variant& b = SinObjeto(derecha, valorB);
     if (a.tipo() == TipoVariant::Error || b.tipo() == TipoVariant::Error)
         Lanza(err::kTiposNoCoinciden);
     if (a.esNulo() || b.esNulo())
@@ -178,18 +185,14 @@ Variant Opera(Operacion op, const Variant& izquierda, const Variant& derecha) {
             return b;
     }
 
-    const Variant x = ComoNumero(a);
-    const Variant y = ComoNumero(b);
+    Variant numeroX, numeroY;
+    const Variant& x = ComoNumero(a, numeroX);
+    const Variant& y = ComoNumero(b, numeroY);
     const TipoVariant tx = x.tipo();
     const TipoVariant ty = y.tipo();
 
-    if (op == Operacion::Cociente) {
-        const double dividendo = CDbl(x);
-        const double divisor = CDbl(y);
-        if (divisor == 0)
-            Lanza(dividendo == 0 ? err::kDesbordamiento : err::kDivisionPorCero);
-        return DeDoble(dividendo / divisor);
-    }
+    if (op == Operacion::Cociente)
+        return Variant(interno::Cociente(CDbl(x), CDbl(y)));
     if (tx == TipoVariant::Fecha || ty == TipoVariant::Fecha) {
         const double r = Aplica(op, CDbl(x), CDbl(y));
         const bool dosFechas = tx == TipoVariant::Fecha && ty == TipoVariant::Fecha;
@@ -218,8 +221,9 @@ Variant Opera(Operacion op, const Variant& izquierda, const Variant& derecha) {
 }
 
 int ComparaNumeros(const Variant& a, const Variant& b) {
-    const Variant x = ComoNumero(a);
-    const Variant y = ComoNumero(b);
+    Variant numeroX, numeroY;
+    const Variant& x = ComoNumero(a, numeroX);
+    const Variant& y = ComoNumero(b, numeroY);
     const bool monedaX = x.tipo() == TipoVariant::Moneda;
     const bool monedaY = y.tipo() == TipoVariant::Moneda;
     // Exactly, in scaled units, when no side is floating point.
@@ -251,14 +255,24 @@ int ComparaTextos(const QString& a, const QString& b) {
 
 }  // namespace
 
+double interno::Cociente(double dividendo, double divisor) {
+    if (divisor == 0)
+        Lanza(dividendo == 0 ? err::kDesbordamiento : err::kDivisionPorCero);
+    const double r = dividendo / divisor;
+    if (!std::isfinite(r))
+        Lanza(err::kDesbordamiento);
+    return r;
+}
+
 Variant operator+(const Variant& a, const Variant& b) { return Opera(Operacion::Suma, a, b); }
 Variant operator-(const Variant& a, const Variant& b) { return Opera(Operacion::Resta, a, b); }
 Variant operator*(const Variant& a, const Variant& b) { return Opera(Operacion::Producto, a, b); }
 Variant operator/(const Variant& a, const Variant& b) { return Opera(Operacion::Cociente, a, b); }
 
 std::optional<int> Compara(const Variant& izquierda, const Variant& derecha) {
-    const Variant a = interno::ValorPorDefecto(izquierda);
-    const Variant b = interno::ValorPorDefecto(derecha);
+    Variant valorA, valorB;
+    const Variant& a = SinObjeto(izquierda, valorA);
+    const Variant& b = SinObjeto(derecha, valorB);
     if (a.esNulo() || b.esNulo())
         return std::nullopt;
     const bool errorA = a.tipo() == TipoVariant::Error;
