@@ -32,6 +32,12 @@ public:
     ~ImpresoraComun() override;
 
     static const TablaDeMiembros& Tabla();
+    // Final, so that a member reached directly (ImpresoraActualPropia) does
+    // what the same member reached by name does.
+    int32_t IdDeNombre(const QString& nombre) const final { return ConTabla::IdDeNombre(nombre); }
+    Variant Invoca(int32_t dispid, Llamada tipo, std::span<Variant> argumentos) final {
+        return ConTabla::Invoca(dispid, tipo, argumentos);
+    }
 
     const QString& DeviceName() const { return nombre_; }
     Lienzo& lienzo() { return *lienzo_; }

@@ -68,6 +68,18 @@ std::shared_ptr<Objeto>& Actual() {
     return *actual;
 }
 
+// The current printer as the component's own class, when it is one: worked
+// out once per change, not on every drawing call.
+ImpresoraComun*& Propia() {
+    static ImpresoraComun* propia = nullptr;
+    return propia;
+}
+
+void Cambia(std::shared_ptr<Objeto> impresora) {
+    Actual() = std::move(impresora);
+    Propia() = dynamic_cast<ImpresoraComun*>(Actual().get());
+}
+
 // A job the host left open is sent when the process ends, as the runtime does.
 void TerminaAlSalir() {
     std::shared_ptr<Objeto> actual;
@@ -100,20 +112,34 @@ std::shared_ptr<Objeto> ColeccionDeImpresoras() {
     return std::make_shared<Coleccion>();
 }
 
-std::shared_ptr<Objeto> ImpresoraActual() {
-    std::lock_guard bloqueo(Cerrojo());
-    auto& actual = Actual();
-    if (!actual) {
-        actual = ImpresoraPredeterminada();
+namespace {
+
+// Under the lock.
+const std::shared_ptr<Objeto>& Vigente() {
+    if (!Actual()) {
+        Cambia(ImpresoraPredeterminada());
         static const bool registrado = (std::atexit(TerminaAlSalir), true);
         (void)registrado;
     }
-    return actual;
+    return Actual();
+}
+
+}  // namespace
+
+std::shared_ptr<Objeto> ImpresoraActual() {
+    std::lock_guard bloqueo(Cerrojo());
+    return Vigente();
+}
+
+std::shared_ptr<ImpresoraComun> ImpresoraActualPropia() {
+    std::lock_guard bloqueo(Cerrojo());
+    const auto& vigente = Vigente();
+    return Propia() ? std::shared_ptr<ImpresoraComun>(vigente, Propia()) : nullptr;
 }
 
 void EstableceImpresoraActual(std::shared_ptr<Objeto> impresora) {
     std::lock_guard bloqueo(Cerrojo());
-    Actual() = std::move(impresora);
+    Cambia(std::move(impresora));
 }
 
 QString CarpetaDeImpresos() {

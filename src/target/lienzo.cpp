@@ -258,6 +258,8 @@ const QFontMetricsF& Lienzo::Metricas() const {
         fuente_.setPointSizeF(tamanoDeFuente_ * pppY_ / medidor_.logicalDpiY());
         fuente_ = QFont(fuente_, &medidor_);
         metricas_ = QFontMetricsF(fuente_, &medidor_);
+        altoDeLinea_ = metricas_.height();
+        ascenso_ = metricas_.ascent();
         fuenteVigente_ = true;
     }
     return metricas_;
@@ -299,8 +301,8 @@ void Lienzo::Cls() {
 
 void Lienzo::Print(const QString& texto, bool saltoDeLinea) {
     const QFontMetricsF& m = Metricas();
-    const double altoPx = m.height();
-    const double ascenso = m.ascent();
+    const double altoPx = altoDeLinea_;
+    const double ascenso = ascenso_;
     QPainter* p = PreparaPintor(tinta_);
     if (p) AplicaFuente(*p);
     PorLinea(texto, [&](QStringView linea, bool ultima) {
@@ -437,10 +439,10 @@ double Lienzo::TextWidth(const QString& texto) const {
 }
 
 double Lienzo::TextHeight(const QString& texto) const {
-    const QFontMetricsF& m = Metricas();
+    Metricas();
     int lineas = 0;
     PorLinea(texto, [&](QStringView, bool) { ++lineas; });
-    return AltoDePixeles(lineas * m.height());
+    return AltoDePixeles(lineas * altoDeLinea_);
 }
 
 }  // namespace kalo

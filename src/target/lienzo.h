@@ -209,6 +209,7 @@ private:
     QImage medidor_;
     mutable QFont fuente_;
     mutable QFontMetricsF metricas_;
+    mutable double altoDeLinea_ = 0, ascenso_ = 0;  // the font engine is asked once per font
     mutable bool fuenteVigente_ = false;
     QFont fuenteDePintura_;
     int ppyDePintura_ = 0;

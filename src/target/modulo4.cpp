@@ -2,7 +2,9 @@
 #include "runtime/unidades.h"
 #include "runtime/ignora.h"
 
-#include "kaloimpresora/impresoras.h"
+#include "target/impresora_comun.h"
+#include "target/impresoras.h"
+#include "target/miembros_lienzo.h"
 
 namespace kalo::modulo4 {
 
@@ -118,11 +120,19 @@ void IniciaDestino(const std::shared_ptr<Objeto>& destino, const Variant& usaImp
 }
 
 void PosicionaX(const Variant& x) {
-    Ignora([&] { Pon(u"CurrentX"_s, [&] { return CSng(x - Estado().nDesplazaX); }, [&] { return x; }); });
+    Ignora([&] {
+        if (auto propia = UsaImpresora() ? ImpresoraActualPropia() : nullptr)
+            return propia->lienzo().CurrentX(CSng(x - Estado().nDesplazaX));
+        Pon(u"CurrentX"_s, [&] { return CSng(x - Estado().nDesplazaX); }, [&] { return x; });
+    });
 }
 
 void PosicionaY(const Variant& y) {
-    Ignora([&] { Pon(u"CurrentY"_s, [&] { return CSng(y - Estado().nDesplazaY); }, [&] { return y; }); });
+    Ignora([&] {
+        if (auto propia = UsaImpresora() ? ImpresoraActualPropia() : nullptr)
+            return propia->lienzo().CurrentY(CSng(y - Estado().nDesplazaY));
+        Pon(u"CurrentY"_s, [&] { return CSng(y - Estado().nDesplazaY); }, [&] { return y; });
+    });
 }
 
 void AsignaFuente(const Variant& nombre) {
@@ -134,7 +144,11 @@ void AsignaTamano(const Variant& tamano) {
 }
 
 void ImprimeTexto(const Variant& texto) {
-    Ignora([&] { Destino(Activo()).Llama(u"Print"_s, {texto}); });
+    Ignora([&] {
+        if (auto propia = UsaImpresora() ? ImpresoraActualPropia() : nullptr)
+            return propia->Print(miembros_lienzo::TextoAImprimir(texto));
+        Destino(Activo()).Llama(u"Print"_s, {texto});
+    });
 }
 
 void AvanzaPagina() {
