@@ -102,26 +102,26 @@ private:
     }
 
     bool LeeSimple(Clase clase, qsizetype i, size_t k, qsizetype& fin, Variant& valor) {
-        const QString n = QString::number(k + 1);
         const QStringView r = resto_.mid(i);
         switch (clase) {
         case Clase::Numero: {
             if (!r.startsWith(u"Fn(\""))
-                return Falla(u"el argumento %1 debe ser un número Fn(\"…\")"_s.arg(n));
+                return Falla(u"el argumento %1 debe ser un número Fn(\"…\")"_s.arg(k + 1));
             const qsizetype cierre = r.left(4 + kCifrasDeFn + 2).indexOf(u"\")", 4);
             if (cierre < 0 && r.size() <= 4 + kCifrasDeFn + 2)
-                return Falla(u"Fn sin terminar en el argumento %1"_s.arg(n));
-            if (cierre < 0) return Falla(u"el argumento %1 no es un número: %2…"_s.arg(n, r.mid(4, kCifrasDeFn)));
+                return Falla(u"Fn sin terminar en el argumento %1"_s.arg(k + 1));
+            if (cierre < 0)
+                return Falla(u"el argumento %1 no es un número: %2…"_s.arg(k + 1).arg(r.mid(4, kCifrasDeFn)));
             const auto v = NumeroDecimal(r.mid(4, cierre - 4));
-            if (!v) return Falla(u"el argumento %1 no es un número: %2"_s.arg(n, r.mid(4, cierre - 4)));
+            if (!v) return Falla(u"el argumento %1 no es un número: %2"_s.arg(k + 1).arg(r.mid(4, cierre - 4)));
             valor = Variant(*v);
             fin = i + cierre + 2;
             return true;
         }
         case Clase::Texto: {
-            if (!r.startsWith(u'"')) return Falla(u"el argumento %1 debe ser un texto entre comillas"_s.arg(n));
+            if (!r.startsWith(u'"')) return Falla(u"el argumento %1 debe ser un texto entre comillas"_s.arg(k + 1));
             const qsizetype cierre = r.indexOf(u'"', 1);
-            if (cierre < 0) return Falla(u"texto sin cerrar en el argumento %1"_s.arg(n));
+            if (cierre < 0) return Falla(u"texto sin cerrar en el argumento %1"_s.arg(k + 1));
             valor = Variant(r.mid(1, cierre - 1).toString());
             fin = i + cierre + 1;
             return true;
@@ -134,7 +134,7 @@ private:
                 valor = Variant(false);
                 fin = i + 5;
             } else {
-                return Falla(u"el argumento %1 debe ser True o False"_s.arg(n));
+                return Falla(u"el argumento %1 debe ser True o False"_s.arg(k + 1));
             }
             return true;
         }
@@ -142,7 +142,7 @@ private:
             qsizetype largo = r.indexOf(u',');
             if (largo < 0) largo = r.size();
             const auto v = NumeroDecimal(r.left(largo));
-            if (!v) return Falla(u"el argumento %1 no es un número: %2"_s.arg(n, r.left(largo)));
+            if (!v) return Falla(u"el argumento %1 no es un número: %2"_s.arg(k + 1).arg(r.left(largo)));
             // Whole values come back whole, as the host passed them.
             if (*v >= INT32_MIN && *v <= INT32_MAX && *v == static_cast<double>(static_cast<int32_t>(*v)))
                 valor = Variant(static_cast<int32_t>(*v));
@@ -208,13 +208,17 @@ std::optional<Comando> LeeComando(QStringView linea, QString* error) {
     if (!forma) return falla(u"Comando no permitido en un guion: "_s + palabra.left(80).toString());
 
     Comando c;
-    c.palabra = QString::fromUtf16(forma->palabra.data(), forma->palabra.size());
+    // The allow-list's own static text: nothing to allocate, and the same
+    // storage on every line, which the member lookup's cache recognises.
+    c.palabra = QString::fromRawData(reinterpret_cast<const QChar*>(forma->palabra.data()),
+                                     static_cast<qsizetype>(forma->palabra.size()));
     if (forma->clases.empty()) {
         if (espacio >= 0) return falla(u"%1 no lleva argumentos"_s.arg(c.palabra));
         return c;
     }
     if (espacio < 0)
         return falla(u"%1 lleva %2 argumentos y no tiene ninguno"_s.arg(c.palabra).arg(forma->clases.size()));
+    c.argumentos.reserve(forma->clases.size());
     Analizador analizador(linea.mid(espacio + 1), forma->clases);
     if (!analizador.Lee(0, 0, c.argumentos)) return falla(c.palabra + u": "_s + analizador.error);
     return c;

@@ -15,7 +15,7 @@
 namespace kalo {
 
 struct Comando {
-    QString palabra;  // as the member is spelled in the recorder's allow-list
+    QString palabra;  // exactly as the member is spelled in the recorder's allow-list
     std::vector<Variant> argumentos;
 };
 

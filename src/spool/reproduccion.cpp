@@ -55,7 +55,9 @@ public:
     bool Siguiente(LineaDeGuion& linea) override {
         for (;;) {
             if (fichero_.atEnd()) return false;
-            QByteArray bytes = fichero_.readLine(limite::kComando + 2);
+            // Into one buffer kept for the whole file: no line allocates its bytes.
+            const qint64 leidos = fichero_.readLine(linea_.data(), linea_.size());
+            QByteArrayView bytes(linea_.data(), std::max<qint64>(leidos, 0));
             ++numero_;
             const bool completa = bytes.endsWith('\n') || fichero_.atEnd();
             if (bytes.endsWith('\n')) bytes.chop(bytes.endsWith("\r\n") ? 2 : 1);
@@ -71,7 +73,7 @@ public:
             QString texto = decodificador_(bytes);
             if (decodificador_.hasError()) NoEsGuion();
             if (numero_ == 1 && texto.startsWith(QChar(0xFEFF))) texto.remove(0, 1);
-            if (texto.trimmed().isEmpty()) continue;
+            if (QStringView(texto).trimmed().isEmpty()) continue;
             linea = {};
             linea.renglon = numero_;
             linea.texto = std::move(texto);
@@ -90,11 +92,15 @@ private:
     }
 
     QFile fichero_;
+    // Up to kComando + 1 bytes of a line (readLine keeps one for its NUL):
+    // the command, its CR LF, or one byte too many for an over-long line.
+    QByteArray linea_{limite::kComando + 2, Qt::Uninitialized};
     QStringDecoder decodificador_{QStringDecoder::Utf8};
     int64_t numero_ = 0;
 };
 
-bool Es(const QString& palabra, QStringView otra) { return palabra.compare(otra, Qt::CaseInsensitive) == 0; }
+// A parsed command word is spelled as the allow-list spells it.
+bool Es(const QString& palabra, QStringView otra) { return palabra == otra; }
 
 // Documents and pages as the script opens them: a document per
 // IniciaDocumento, a page per PaginaNueva inside it. Commands outside any
@@ -207,7 +213,13 @@ ResultadoDeReproduccion Reproduce(FuenteDeGuion& fuente, const std::shared_ptr<O
 
     Impresora imp;  // Pantalla and Archivo off: to the printer, recording nothing
     Objeto& destino = *impresora;
-    auto suprime = [&](bool si) { destino.Asigna(u"Suprime"_s, si); };
+    // Only the replay sets Suprime: it is told only when it changes.
+    std::optional<bool> suprimido;
+    auto suprime = [&](bool si) {
+        if (suprimido == si) return;
+        destino.Asigna(u"Suprime"_s, si);
+        suprimido = si;
+    };
     auto aborta = [&] {
         resultado.abortada = true;
         suprime(false);
