@@ -44,27 +44,38 @@ constexpr qsizetype kCifrasDeFn = 64;
 
 // A plain "."-decimal number, never the locale's form: scripts travel between locales.
 std::optional<double> NumeroDecimal(QStringView t) {
+    if (t.size() > kCifrasDeFn) return std::nullopt;
+    std::array<char, kCifrasDeFn> ascii;
     qsizetype i = 0;
-    if (i < t.size() && (t[i] == u'-' || t[i] == u'+')) ++i;
+    if (i < t.size() && (t[i] == u'-' || t[i] == u'+')) {
+        ascii[0] = static_cast<char>(t[0].unicode());
+        ++i;
+    }
     qsizetype digitos = 0;
     bool punto = false;
     for (; i < t.size(); ++i) {
-        if (t[i].isDigit() && t[i].unicode() < 128)
+        const char16_t c = t[i].unicode();
+        if (c >= u'0' && c <= u'9')
             ++digitos;
-        else if (t[i] == u'.' && !punto)
+        else if (c == u'.' && !punto)
             punto = true;
         else
             return std::nullopt;
+        ascii[i] = static_cast<char>(c);
     }
-    if (digitos == 0 || t.size() > kCifrasDeFn) return std::nullopt;
-    // Checked ASCII above, so the digits convert one to one.
-    std::array<char, kCifrasDeFn> ascii;
-    for (qsizetype k = 0; k < t.size(); ++k) ascii[k] = static_cast<char>(t[k].unicode());
+    if (digitos == 0) return std::nullopt;
     const char* inicio = ascii.data() + (ascii[0] == '+' ? 1 : 0);
     double v = 0;
     const auto [fin, ec] = std::from_chars(inicio, ascii.data() + t.size(), v);
     if (ec != std::errc() || fin != ascii.data() + t.size()) return std::nullopt;
     return v;
+}
+
+// Where `")` closes an Fn( "…" ) that opens at the start of the text, or -1.
+qsizetype CierreDeFn(QStringView t) {
+    for (qsizetype j = 4; j + 1 < t.size(); ++j)
+        if (t[j] == u'"' && t[j + 1] == u')') return j;
+    return -1;
 }
 
 class Analizador {
@@ -107,7 +118,7 @@ private:
         case Clase::Numero: {
             if (!r.startsWith(u"Fn(\""))
                 return Falla(u"el argumento %1 debe ser un número Fn(\"…\")"_s.arg(k + 1));
-            const qsizetype cierre = r.left(4 + kCifrasDeFn + 2).indexOf(u"\")", 4);
+            const qsizetype cierre = CierreDeFn(r.left(4 + kCifrasDeFn + 2));
             if (cierre < 0 && r.size() <= 4 + kCifrasDeFn + 2)
                 return Falla(u"Fn sin terminar en el argumento %1"_s.arg(k + 1));
             if (cierre < 0)

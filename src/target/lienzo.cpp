@@ -283,8 +283,10 @@ QPainter* Lienzo::PreparaPintor(const QColor& tinta) {
     if (!p) return nullptr;
     if (pluma_.color() != tinta) pluma_.setColor(tinta);
     p->setPen(pluma_);
-    p->setBrush(Qt::NoBrush);
-    p->setRenderHint(QPainter::Antialiasing, false);
+    // Set only on a change: the painter marks its state dirty on every call,
+    // and the device then works the whole state out again.
+    if (p->brush().style() != Qt::NoBrush) p->setBrush(Qt::NoBrush);
+    if (p->testRenderHint(QPainter::Antialiasing)) p->setRenderHint(QPainter::Antialiasing, false);
     return p;
 }
 
