@@ -266,18 +266,14 @@ void AnotaSalida(benchmark::State& estado, int paginas, const QString& pdf) {
     estado.counters["pdf_KiB"] = QFileInfo(pdf).size() / 1024.0;
 }
 
-void ReproduccionAPdf(benchmark::State& estado) {
-    kalo::AseguraAplicacion();
-    const int paginas = static_cast<int>(estado.range(0));
-    const QString reporte = ReporteDe(paginas);
-    if (reporte.isEmpty()) return estado.SkipWithError("no se pudo grabar el archivo de reporte");
-    const QString salida = Carpeta().filePath(u"reproduccion-%1.pdf"_s.arg(paginas));
+// Replays a spool file or a script (whichever `archivo` is) to a PDF.
+void ReproduceAPdf(benchmark::State& estado, int paginas, const QString& archivo, const QString& salida) {
+    if (archivo.isEmpty()) return estado.SkipWithError("no se pudo escribir el documento");
     auto impresora = kalo::ImpresoraDelSistema::EnArchivoPdf(salida);
-
     kalo::ResultadoDeReproduccion resultado;
     const double antes = ReiniciaPico();
     for (auto _ : estado) {
-        auto fuente = kalo::AbreGuion(reporte);
+        auto fuente = kalo::AbreGuion(archivo);
         resultado = kalo::Reproduce(*fuente, impresora, {});
     }
     AnotaMemoria(estado, antes);
@@ -286,26 +282,19 @@ void ReproduccionAPdf(benchmark::State& estado) {
     AnotaSalida(estado, paginas, salida);
     estado.counters["comandos"] = static_cast<double>(resultado.comandos);
 }
+
+void ReproduccionAPdf(benchmark::State& estado) {
+    kalo::AseguraAplicacion();
+    const int paginas = static_cast<int>(estado.range(0));
+    ReproduceAPdf(estado, paginas, ReporteDe(paginas), Carpeta().filePath(u"reproduccion-%1.pdf"_s.arg(paginas)));
+}
 BENCHMARK(ReproduccionAPdf)->Arg(50)->Arg(500)->Unit(benchmark::kMillisecond)->Iterations(3);
 
+// The same report as a text script.
 void GuionAPdf(benchmark::State& estado) {
     kalo::AseguraAplicacion();
     const int paginas = static_cast<int>(estado.range(0));
-    const QString guion = GuionDe(paginas);
-    if (guion.isEmpty()) return estado.SkipWithError("no se pudo escribir el guion");
-    const QString salida = Carpeta().filePath(u"guion-%1.pdf"_s.arg(paginas));
-    auto impresora = kalo::ImpresoraDelSistema::EnArchivoPdf(salida);
-
-    kalo::ResultadoDeReproduccion resultado;
-    const double antes = ReiniciaPico();
-    for (auto _ : estado) {
-        auto fuente = kalo::AbreGuion(guion);
-        resultado = kalo::Reproduce(*fuente, impresora, {});
-    }
-    AnotaMemoria(estado, antes);
-    if (resultado.paginasEmitidas != paginas || resultado.errores != 0 || resultado.malFormadas != 0)
-        return estado.SkipWithError("la reproducción no dio el documento escrito");
-    AnotaSalida(estado, paginas, salida);
+    ReproduceAPdf(estado, paginas, GuionDe(paginas), Carpeta().filePath(u"guion-%1.pdf"_s.arg(paginas)));
 }
 BENCHMARK(GuionAPdf)->Arg(500)->Unit(benchmark::kMillisecond)->Iterations(3);
 
