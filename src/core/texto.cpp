@@ -33,9 +33,7 @@ void Impresora::Say(const Variant& y, const Variant& x, const Variant& strMensaj
         comando = u"Say "_s + TextoFn(fy) + u',' + TextoFn(fx) + u',' + Entrecomillado(citado);
     }
     RegistraComando(*this, comando, nrow, ncol, contenido);
-    modulo4::PosicionaX(x);
-    modulo4::PosicionaY(y);
-    modulo4::ImprimeTexto(strMensaje);
+    modulo4::ImprimeEn(x, y, strMensaje);
 }
 
 void Impresora::CurrentY(const Variant& YVal) {

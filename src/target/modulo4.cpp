@@ -119,18 +119,28 @@ void IniciaDestino(const std::shared_ptr<Objeto>& destino, const Variant& usaImp
     Ignora([&] { Destino(d).Llama(u"Cls"_s); });
 }
 
+namespace {
+
+// The component's own printer when the document prints to it; it is then
+// reached directly (see ImpresoraActualPropia), any other target by name.
+std::shared_ptr<ImpresoraComun> Propia() { return UsaImpresora() ? ImpresoraActualPropia() : nullptr; }
+
+void XEn(ImpresoraComun& p, const Variant& x) { p.lienzo().CurrentX(CSng(x - Estado().nDesplazaX)); }
+void YEn(ImpresoraComun& p, const Variant& y) { p.lienzo().CurrentY(CSng(y - Estado().nDesplazaY)); }
+void TextoEn(ImpresoraComun& p, const Variant& texto) { p.Print(miembros_lienzo::TextoAImprimir(texto)); }
+
+}  // namespace
+
 void PosicionaX(const Variant& x) {
     Ignora([&] {
-        if (auto propia = UsaImpresora() ? ImpresoraActualPropia() : nullptr)
-            return propia->lienzo().CurrentX(CSng(x - Estado().nDesplazaX));
+        if (auto propia = Propia()) return XEn(*propia, x);
         Pon(u"CurrentX"_s, [&] { return CSng(x - Estado().nDesplazaX); }, [&] { return x; });
     });
 }
 
 void PosicionaY(const Variant& y) {
     Ignora([&] {
-        if (auto propia = UsaImpresora() ? ImpresoraActualPropia() : nullptr)
-            return propia->lienzo().CurrentY(CSng(y - Estado().nDesplazaY));
+        if (auto propia = Propia()) return YEn(*propia, y);
         Pon(u"CurrentY"_s, [&] { return CSng(y - Estado().nDesplazaY); }, [&] { return y; });
     });
 }
@@ -145,10 +155,25 @@ void AsignaTamano(const Variant& tamano) {
 
 void ImprimeTexto(const Variant& texto) {
     Ignora([&] {
-        if (auto propia = UsaImpresora() ? ImpresoraActualPropia() : nullptr)
-            return propia->Print(miembros_lienzo::TextoAImprimir(texto));
+        if (auto propia = Propia()) return TextoEn(*propia, texto);
         Destino(Activo()).Llama(u"Print"_s, {texto});
     });
+}
+
+void ImprimeEn(const Variant& x, const Variant& y, const Variant& texto) {
+    // One look at the current printer for the three steps: none of them can
+    // change which printer is current.
+    std::shared_ptr<ImpresoraComun> propia;
+    Ignora([&] { propia = Propia(); });
+    if (!propia) {
+        PosicionaX(x);
+        PosicionaY(y);
+        ImprimeTexto(texto);
+        return;
+    }
+    Ignora([&] { XEn(*propia, x); });
+    Ignora([&] { YEn(*propia, y); });
+    Ignora([&] { TextoEn(*propia, texto); });
 }
 
 void AvanzaPagina() {

@@ -39,6 +39,8 @@ void PosicionaY(const Variant& y);
 void AsignaFuente(const Variant& nombre);
 void AsignaTamano(const Variant& tamano);
 void ImprimeTexto(const Variant& texto);
+// PosicionaX, PosicionaY and ImprimeTexto, in that order.
+void ImprimeEn(const Variant& x, const Variant& y, const Variant& texto);
 void AvanzaPagina();
 void TerminaDestino();
 void AsignaNegrita(const Variant& bandera);
