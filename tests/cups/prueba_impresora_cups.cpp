@@ -184,8 +184,13 @@ TEST_F(Cups, LosTrabajosLleganALaColaConSusPaginasHojaYCopias) {
         int x, y;
         bool tinta;
     };
-    for (auto [x, y, tinta] : {Punto{9, 9, false}, Punto{20, 20, true}, Punto{52, 52, true}, Punto{60, 30, false},
-                               Punto{30, 60, false}})
+    for (auto [x, y, tinta] : {
+             Punto{9, 9, false},
+             Punto{20, 20, true},
+             Punto{52, 52, true},
+             Punto{60, 30, false},
+             Punto{30, 60, false},
+         })
         EXPECT_EQ(HayTinta(pagina, x, y), tinta) << x << ',' << y;
 
     o.Llama(u"Print"_s, {u"descartado"_s});
@@ -221,7 +226,10 @@ TEST_F(Cups, LosCodigosDeBarrasImpresosSeLeen) {
     ASSERT_FALSE(pdf.isEmpty());
     auto lecturas = Lee(PaginaComoImagen(pdf, 1, 300));
     std::vector<Lectura> esperadas = {
-        {zbar::ZBAR_EAN13, "7501000000012"}, {zbar::ZBAR_CODE39, "ABC-12T"}, {zbar::ZBAR_CODE128, "Pedido 4512"}};
+        {zbar::ZBAR_EAN13, "7501000000012"},
+        {zbar::ZBAR_CODE39, "ABC-12T"},
+        {zbar::ZBAR_CODE128, "Pedido 4512"},
+    };
     std::sort(lecturas.begin(), lecturas.end());
     std::sort(esperadas.begin(), esperadas.end());
     EXPECT_EQ(lecturas, esperadas);
@@ -319,8 +327,12 @@ TEST_F(Formas, CadaPapelDejaSuFormaEnElServidorYLosTrabajosSalenEnElla) {
 TEST_F(Formas, SoloSeAgreganNombresValidosYSoloSeEligenHasta32Caracteres) {
     const QString de21 = u"Mostrador_de_entrada"_s + u'X';
     for (const auto& [estilo, agregada, ancho] :
-         {std::tuple(u"Caja"_s, true, 5760), std::tuple(de21 + u'X', true, 9180), std::tuple(de21, true, 5760),
-          std::tuple(u"Mi caja"_s, false, 9180)}) {
+         {
+             std::tuple(u"Caja"_s, true, 5760),
+             std::tuple(de21 + u'X', true, 9180),
+             std::tuple(de21, true, 5760),
+             std::tuple(u"Mi caja"_s, false, 9180),
+         }) {
         SCOPED_TRACE(estilo.toStdString());
         BorraFormas();
         imp.EstableceImpresora(u"PDF"_s);
@@ -334,8 +346,12 @@ TEST_F(Formas, EstableceImpresoraEligeElDestinoExactoYLeAplicaLaForma) {
     // The argument; the printer current afterwards; whether its queue then
     // has the style's form, at the letter sheet it had.
     for (const auto& [nombre, actual, forma] :
-         {std::tuple(Variant(u" PDF "_s), u"PDF"_s, true), std::tuple(Variant(u"pdf"_s), u"Kalo"_s, true),
-          std::tuple(Variant(u"No existe"_s), u"Kalo"_s, true), std::tuple(Variant::Nulo(), u"Kalo"_s, false)}) {
+         {
+             std::tuple(Variant(u" PDF "_s), u"PDF"_s, true),
+             std::tuple(Variant(u"pdf"_s), u"Kalo"_s, true),
+             std::tuple(Variant(u"No existe"_s), u"Kalo"_s, true),
+             std::tuple(Variant::Nulo(), u"Kalo"_s, false),
+         }) {
         SCOPED_TRACE(actual.toStdString());
         BorraFormas();
         EstableceImpresoraActual(nullptr);

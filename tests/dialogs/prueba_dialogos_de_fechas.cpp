@@ -149,7 +149,10 @@ TEST_P(DialogosDeFechas, DisposicionDelDiseno) {
     });
 }
 
-const Dialogo kDialogos[] = {{u"RangoDeFechas", u"frmParam", true}, {u"FechaDeCorte", u"frmFechaCorte", false}};
+const Dialogo kDialogos[] = {
+    {u"RangoDeFechas", u"frmParam", true},
+    {u"FechaDeCorte", u"frmFechaCorte", false},
+};
 INSTANTIATE_TEST_SUITE_P(, DialogosDeFechas, ::testing::ValuesIn(kDialogos),
                          [](const auto& i) { return QString::fromUtf16(i.param.ventana).toStdString(); });
 

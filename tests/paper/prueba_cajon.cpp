@@ -66,10 +66,17 @@ TEST_F(Cajon, LosPuertosDeSiempreLlevanASusDispositivos) {
     const auto existe = [](const QString& r) { return r == u"/dev/usb/lp0"_s || r == u"/dev/usb/lp1"_s; };
     // Port; queue, path, and "+" when a plain file may be created there.
     for (const auto& [puerto, destino] : std::initializer_list<std::pair<QString, QString>>{
-             {u"LPT1"_s, u"|/dev/usb/lp0"_s}, {u"lpt2:"_s, u"|/dev/usb/lp1"_s}, {u"LPT3"_s, u"|/dev/lp2"_s},
-             {u"PRN"_s, u"|/dev/usb/lp0"_s}, {u"COM1"_s, u"|/dev/ttyS0"_s}, {u"com10:"_s, u"|/dev/ttyS9"_s},
-             {u"\\\\caja\\Tickets"_s, u"Tickets|"_s}, {u"Tickets"_s, u"Tickets|Tickets+"_s},
-             {u"/dev/ttyUSB0"_s, u"|/dev/ttyUSB0"_s}, {u"salida/cajon.txt"_s, u"|salida/cajon.txt+"_s}}) {
+             {u"LPT1"_s, u"|/dev/usb/lp0"_s},
+             {u"lpt2:"_s, u"|/dev/usb/lp1"_s},
+             {u"LPT3"_s, u"|/dev/lp2"_s},
+             {u"PRN"_s, u"|/dev/usb/lp0"_s},
+             {u"COM1"_s, u"|/dev/ttyS0"_s},
+             {u"com10:"_s, u"|/dev/ttyS9"_s},
+             {u"\\\\caja\\Tickets"_s, u"Tickets|"_s},
+             {u"Tickets"_s, u"Tickets|Tickets+"_s},
+             {u"/dev/ttyUSB0"_s, u"|/dev/ttyUSB0"_s},
+             {u"salida/cajon.txt"_s, u"|salida/cajon.txt+"_s},
+         }) {
         const cajon::Destino d = cajon::ResuelvePuerto(puerto, existe);
         EXPECT_EQ(d.cola + u'|' + d.ruta + (d.creable ? u"+"_s : QString()), destino) << puerto.toStdString();
     }
