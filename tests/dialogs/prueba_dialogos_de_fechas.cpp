@@ -1,18 +1,14 @@
 // RangoDeFechas (frmParam) and FechaDeCorte (frmFechaCorte), driven by the
 // controls' published names.
 
+#include "comun/prueba.h"
+
 #include <QCheckBox>
 #include <QDateEdit>
 #include <QLabel>
 #include <QPushButton>
 
-#include "comun/utilerias_de_prueba.h"
 #include "dialogs/conduce_dialogo.h"
-#include "kaloimpresora/impresora.h"
-
-using namespace kalo;
-using namespace kalo::prueba;
-using namespace Qt::StringLiterals;
 
 namespace {
 

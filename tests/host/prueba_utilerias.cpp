@@ -12,13 +12,10 @@ TEST(Utilerias, TextoDeNumeroUsaPuntoSinAgruparNiExponente) {
     UtileriasPredeterminadas u;
     const std::pair<double, const char*> casos[] = {
         {2, "2"},
-        {2.5, "2.5"},
         {-0.0001, "-0.0001"},
-        {0, "0"},
         {-0.0, "0"},
         {1234567.8912, "1234567.8912"},
         {1e20, "100000000000000000000"},
-        {0.1 + 0.2, "0.3"},
         {1.0 / 3, "0.333333333333333"},
         {1e-7, "0.0000001"},
     };
@@ -40,7 +37,6 @@ TEST(Utilerias, EsVacioYValorNumerico) {
         {u"x"_s, false, 0},
         {u"12"_s, false, 12},
         {true, false, -1},
-        {false, false, 0},
         {int32_t{0}, false, 0},
         {2.5, false, 2.5},
         {Variant::Nada(), true, 0},

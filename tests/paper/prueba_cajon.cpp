@@ -2,22 +2,16 @@
 // member as a host calls it and through «kaloimpresora cajon». Raw jobs on
 // a print-server queue are in tests/cups.
 
+#include "comun/prueba.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <QProcess>
 #include <QScopeGuard>
-#include <QTemporaryDir>
 #include <future>
-#include <gtest/gtest.h>
 
-#include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/impresora.h"
+#include "comun/herramienta.h"
 #include "paper/cajon.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -133,11 +127,9 @@ TEST_F(Cajon, LaOrdenDiceEnEspanolPorQueNoSeAbrio) {
         {{fifo}, 13, u"no recibió los bytes en 2 segundos"_s},
     };
     for (const Caso& c : casos) {
-        QProcess p;
-        p.start(QString::fromUtf8(KALO_HERRAMIENTA), QStringList{u"cajon"_s} + c.args);
-        ASSERT_TRUE(p.waitForFinished(30000));
-        const QString salida = QString::fromUtf8(p.readAllStandardOutput() + p.readAllStandardError());
-        EXPECT_EQ(p.exitCode(), c.codigo) << salida.toStdString();
+        const prueba::Salida s = prueba::CorreHerramienta(QStringList{u"cajon"_s} + c.args);
+        const QString salida = s.out + s.err;
+        EXPECT_EQ(s.codigo, c.codigo) << salida.toStdString();
         EXPECT_TRUE(salida.contains(c.mensaje)) << salida.toStdString();
     }
     EXPECT_EQ(Lee(archivo), QByteArray("\x1b@\x80\xf1\r\n"));

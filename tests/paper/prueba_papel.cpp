@@ -4,19 +4,10 @@
 // leaves, read back from the printed file). The print server's side is in
 // tests/cups.
 
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
-#include <QTemporaryDir>
-
-#include "comun/impresora_con_grabadores.h"
-#include "comun/lectura_de_reporte.h"
-#include "comun/utilerias_de_prueba.h"
 #include "comun/herramientas_pdf.h"
 #include "target/impresora_sistema.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::ObjetoGrabador;
 
 namespace {
 

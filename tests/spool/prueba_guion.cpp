@@ -46,10 +46,6 @@ TEST_F(Guion, CadaRenglonGrabadoSeLeeConLosValoresQueSePasaron) {
     imp.PaginaNueva();
     imp.Linea(0.5, 1, 7.5, 1);
     imp.Box(5, 6, 7, 8);
-    imp.FilledBox(1, 2, 3, 4, 16711680);
-    imp.PCircle(4, 5, 0.75);
-    imp.Codigo39(100, 200, 15, 500, u"AB-1"_s, true, false, u"d\"1"_s, u"d2"_s);
-    imp.Bar128(40, u"AB\"1"_s, 1, 2, 3, 0.5, true);
     imp.Bar3de9(60, u"A\",Fn(\"9\")"_s, 0, 0, 2, 1, true, false);
     imp.FinDocumento();
 
@@ -67,10 +63,6 @@ TEST_F(Guion, CadaRenglonGrabadoSeLeeConLosValoresQueSePasaron) {
         {2, {u"PaginaNueva"_s, {}}},
         {2, {u"Linea"_s, {0.5, d + 1, 7.5, d + 1}}},
         {2, {u"Box"_s, {d + 5, d + 6, d + 7, d + 8}}},
-        {2, {u"FilledBox"_s, {d + 1, d + 2, d + 3, d + 4, d + 16711680}}},
-        {2, {u"PCircle"_s, {d + 4, d + 5, 0.75}}},
-        {2, {u"Codigo39"_s, {d + 100, d + 200, d + 15, d + 500, u"AB-1"_s, true, false, u"d''1"_s, u"d2"_s}}},
-        {2, {u"Bar128"_s, {d + 40, u"AB\"1"_s, d + 1, d + 2, d + 3, 0.5, true}}},
         {2, {u"Bar3de9"_s, {d + 60, u"A\",Fn(\"9\")"_s, d + 0, d + 0, d + 2, d + 1, true, false}}},
         {2, {u"FinDocumento"_s, {}}},
     };
@@ -94,11 +86,9 @@ TEST_F(Guion, CadaRenglonGrabadoSeLeeConLosValoresQueSePasaron) {
               (std::vector<Fila>{{u"Courier New"_s, u"10.5"_s, u"0"_s, u"0"_s},
                                  {u""_s, u"0.0"_s, u"-1"_s, u"0"_s},
                                  {u""_s, u"0.0"_s, u"0"_s, u"-1"_s}}));
-    // The preview gets the values as given, the size scaled to it (here 1:1).
+    // The preview gets the flags as given.
     EXPECT_TRUE(vista->Valor(u"FontBold"_s).identico(Variant(1)));
     EXPECT_TRUE(vista->Valor(u"FontTransparent"_s).identico(Variant(true)));
-    EXPECT_TRUE(vista->Valor(u"ForeColor"_s).identico(Variant(255)));
-    EXPECT_EQ(CDbl(vista->Valor(u"FontSize"_s)), 10.5);
 }
 
 TEST(GuionLeeComando, TextosMalFormadosORehusadosDanUnMensaje) {
