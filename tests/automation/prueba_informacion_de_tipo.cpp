@@ -1,18 +1,10 @@
 // What objects tell of their members, checked against what their members do;
 // and the classes a host registers in place of the component's.
 
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
-#include "comun/objeto_grabador.h"
-#include "comun/utilerias_de_prueba.h"
 #include "data/conexion.h"
 #include "kaloimpresora/ambiente.h"
-#include "kaloimpresora/impresora.h"
-#include "kaloimpresora/superficies.h"
-
-using namespace kalo;
-using namespace kalo::prueba;
-using namespace Qt::StringLiterals;
 
 namespace {
 

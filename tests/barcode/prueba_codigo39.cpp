@@ -17,9 +17,18 @@ namespace {
 // Published Code 39 widths (bar first, w wide, n narrow) of the characters
 // these tests read back; anything else reads as "?".
 const std::map<QString, QChar> kPublicados = {
-    {u"nwnnwnwnn"_s, u'*'}, {u"wnnwnnnnw"_s, u'1'}, {u"nnwwnnnnw"_s, u'2'}, {u"wnwwnnnnn"_s, u'3'},
-    {u"nnnwwnnnw"_s, u'4'}, {u"wnnwwnnnn"_s, u'5'}, {u"nnwnwwnnn"_s, u'F'}, {u"wnnnnwnnw"_s, u'A'},
-    {u"nnwnnwnnw"_s, u'B'}, {u"wnwnnwnnn"_s, u'C'}, {u"nwwnnnwnn"_s, u' '}};
+    {u"nwnnwnwnn"_s, u'*'},
+    {u"wnnwnnnnw"_s, u'1'},
+    {u"nnwwnnnnw"_s, u'2'},
+    {u"wnwwnnnnn"_s, u'3'},
+    {u"nnnwwnnnw"_s, u'4'},
+    {u"wnnwwnnnn"_s, u'5'},
+    {u"nnwnwwnnn"_s, u'F'},
+    {u"wnnnnwnnw"_s, u'A'},
+    {u"nnwnnwnnw"_s, u'B'},
+    {u"wnwnnwnnn"_s, u'C'},
+    {u"nwwnnnwnn"_s, u' '},
+};
 
 // The font is a recorder whose calls also land, as "font.<member>", in the
 // target's log, so the order of font changes and prints shows in one place.
@@ -98,7 +107,10 @@ QString Falla(const std::function<void()>& cuerpo) {
 TEST(BarCode39, AjustesCaracteresYDigitoVerificador) {
     // Narrow and height given, and kept; the limits go back through the argument.
     const std::tuple<double, double, int16_t, int16_t> casos[] = {
-        {10.9999, 11, 299, 300}, {11.0001, 11.0001, 300, 300}, {20.5, 20.5, 1000, 1000}};
+        {10.9999, 11, 299, 300},
+        {11.0001, 11.0001, 300, 300},
+        {20.5, 20.5, 1000, 1000},
+    };
     for (const auto& [dado, guardado, altoDado, altoGuardado] : casos) {
         clsBarCode39 b;
         Moneda angosto = CCur(dado);
@@ -147,8 +159,11 @@ TEST(BarCode39, AjustesCaracteresYDigitoVerificador) {
 
 TEST(BarCode39, CeldasDeDieciseisAngostosYMarcoDelTamanoTotal) {
     const std::tuple<QString, QString, bool, int> casos[] = {
-        {u"ABC"_s, u"*ABC*"_s, false, 20}, {u"*AB"_s, u"*AB*"_s, true, 11},
-        {u"A*B"_s, u"*A*B*"_s, true, 15},  {u""_s, u"*"_s, true, 15}};
+        {u"ABC"_s, u"*ABC*"_s, false, 20},
+        {u"*AB"_s, u"*AB*"_s, true, 11},
+        {u"A*B"_s, u"*A*B*"_s, true, 15},
+        {u""_s, u"*"_s, true, 15},
+    };
     for (const auto& [barcode, dibujado, marco, angosto] : casos) {
         SCOPED_TRACE(barcode.toStdString());
         auto d = Destino();
@@ -208,7 +223,10 @@ TEST(BarCode39, TextosCentradosEnSuCeldaYFuenteAlTerminar) {
     EXPECT_EQ(visto, esperado);
 
     // The halving truncates toward zero after rounding.
-    for (auto [ancho, corrimiento] : {std::pair(40.5, 100), std::pair(243.0, -1)}) {
+    for (auto [ancho, corrimiento] : {
+             std::pair(40.5, 100),
+             std::pair(243.0, -1),
+         }) {
         auto otro = Destino();
         otro->Pon(u"TextWidth"_s, ancho);
         b.Draw(otro);
@@ -218,7 +236,9 @@ TEST(BarCode39, TextosCentradosEnSuCeldaYFuenteAlTerminar) {
 
 TEST(BarCode39, UnDestinoQueFallaDa438) {
     const std::tuple<const char*, int32_t, size_t, QString> casos[] = {
-        {"TextWidth", 0, 1, u"Arial"_s}, {"Font", 0, 1, u"Courier New"_s}, {"Line", 0, 0, u"Courier New"_s},
+        {"TextWidth", 0, 1, u"Arial"_s},
+        {"Font", 0, 1, u"Courier New"_s},
+        {"Line", 0, 0, u"Courier New"_s},
         {"", INT32_MAX - 100, 0, u"Courier New"_s}};  // the position overflows
     for (bool lanza : {false, true})
         for (const auto& [falta, x, lineas, fuente] : casos) {

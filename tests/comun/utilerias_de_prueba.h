@@ -95,11 +95,4 @@ private:
     QString id_;
 };
 
-// Puts a utility object in place for the life of the object.
-class ConUtilerias {
-public:
-    explicit ConUtilerias(std::shared_ptr<Utilerias> u) { SustituyeUtilerias(std::move(u)); }
-    ~ConUtilerias() { SustituyeUtilerias(nullptr); }
-};
-
 }  // namespace kalo::prueba

@@ -1,18 +1,12 @@
 // The environment object and its copy for a branch: the component's own
 // class, and a host's class registered in its place.
 
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include "automation/interfaz.h"
-#include "comun/objeto_grabador.h"
-#include "comun/utilerias_de_prueba.h"
 #include "data/ambiente.h"
 #include "data/conexion.h"
 #include "kaloimpresora/ambiente.h"
-
-using namespace kalo;
-using namespace kalo::prueba;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -3,22 +3,14 @@
 // on both; each PostgreSQL test works in a schema of its own, so tests may
 // run side by side.
 
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
 #include <QCoreApplication>
-#include <QTemporaryDir>
 #include <atomic>
 
-#include "comun/objeto_grabador.h"
-#include "comun/utilerias_de_prueba.h"
 #include "data/cadena_de_conexion.h"
 #include "data/conexion.h"
 #include "data/servidor_postgres.h"
-#include "kaloimpresora/impresora.h"
-
-using namespace kalo;
-using namespace kalo::prueba;
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -269,16 +261,6 @@ TEST_P(Datos, UnErrorDejaLaConexionYLosDemasResultadosComoEstaban) {
     EXPECT_EQ(Filas(*otra->Execute(u"SELECT COUNT(*) FROM bitacora"_s)), QStringList{u"1"_s});
 }
 
-TEST_P(Datos, RstAbreLaConsultaConLasUtileriasDelComponente) {
-    auto c = Abre();
-    Impresora imp;
-    auto rs = imp.Llama(u"rst"_s, {u"SELECT 7 AS siete"_s, c}).objeto();
-    ASSERT_TRUE(rs);
-    EXPECT_EQ(CLng(Valor(*rs, u"siete"_s)), 7);
-    EXPECT_EQ(NumeroDeError([&] { imp.Llama(u"rst"_s, {u"SELECT 1"_s, Variant::Nada()}); }),
-              err::kObjetoNoEstablecido);
-}
-
 const auto kNombreDelMotor = [](const ::testing::TestParamInfo<Motor>& i) {
     return std::string(i.param == Motor::Sqlite ? "SQLite" : "PostgreSQL");
 };
@@ -334,6 +316,8 @@ TEST(Conexion, AbreConsultaUsaElExecuteDeOtraConexion) {
     Impresora imp;
     EXPECT_EQ(imp.Llama(u"rst"_s, {u"SELECT 1"_s, ajena}).objeto(), resultado);
     EXPECT_EQ(ajena->Registro(), QStringList{u"Llama execute(SELECT 1)"_s});
+    EXPECT_EQ(NumeroDeError([&] { imp.Llama(u"rst"_s, {u"SELECT 1"_s, Variant::Nada()}); }),
+              err::kObjetoNoEstablecido);
 }
 
 // ---- PostgreSQL alone -----------------------------------------------------------

@@ -1,6 +1,8 @@
 // Rangos (frmPMCombo) and its branch switch, driven by the controls'
 // published names, with lookups on real SQLite databases.
 
+#include "comun/prueba.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDateEdit>
@@ -8,21 +10,13 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTableView>
-#include <QTemporaryDir>
 
 #include "automation/interfaz.h"
-#include "comun/objeto_grabador.h"
-#include "comun/utilerias_de_prueba.h"
 #include "data/conexion.h"
 #include "data/servidor_postgres.h"
 #include "dialogs/conduce_dialogo.h"
 #include "dialogs/multi_combo.h"
-#include "kaloimpresora/impresora.h"
 #include "kaloimpresora/mensajes.h"
-
-using namespace kalo;
-using namespace kalo::prueba;
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -228,26 +222,6 @@ TEST_F(Rangos, UnaConsultaDeCienMilFilasAbreEnseguida) {
     });
 }
 
-// Cancel and Escape set Cancelado and keep the caller's ParamData; the close
-// box does neither; a later accept leaves Cancelado set.
-TEST_F(Rangos, CancelarEscapeYCajaDeCierre) {
-    for (int salida : {0, 1, 2}) {
-        imp.Cancelado = false;
-        Abre([&](QWidget& w) {
-            QTest::keyClicks(Caja(w, 0), u"q"_s);
-            if (salida == 0) Pulsa(w, u"Command2"_s);
-            if (salida == 1) QTest::keyClick(&w, Qt::Key_Escape);
-            if (salida == 2) w.close();
-        });
-        EXPECT_EQ(imp.Cancelado, salida < 2);
-        EXPECT_EQ(imp.ParamData, pd);
-    }
-    imp.Cancelado = true;
-    Abre([](QWidget& w) { Pulsa(w, u"Command1"_s); });
-    EXPECT_TRUE(imp.Cancelado);
-    EXPECT_NE(imp.ParamData, pd);
-}
-
 TEST_F(Rangos, FallasAntesDeMostrarseYMetodosInertes) {
     imp.ParamData = nullptr;
     EXPECT_EQ(NumeroDeError([&] { imp.Llama(u"Rangos"_s, {ambiente, true}); }), err::kObjetoNoEstablecido);
@@ -313,6 +287,7 @@ TEST_F(CambioDeSucursal, ElegirUnaSucursalApuntaLasConsultasASuBase) {
         Pulsa(w, u"Command2"_s);
     });
     EXPECT_TRUE(imp.Cancelado);
+    EXPECT_EQ(imp.ParamData, pd);
     ASSERT_NE(imp.AmbienteSucursal, nullptr);
     EXPECT_EQ(imp.AmbienteSucursal->Lee(u"Conexion"_s).objeto(), sur);
     EXPECT_EQ(mensajes, QStringList());

@@ -1,18 +1,14 @@
 // RangoDeFechas (frmParam) and FechaDeCorte (frmFechaCorte), driven by the
 // controls' published names.
 
+#include "comun/prueba.h"
+
 #include <QCheckBox>
 #include <QDateEdit>
 #include <QLabel>
 #include <QPushButton>
 
-#include "comun/utilerias_de_prueba.h"
 #include "dialogs/conduce_dialogo.h"
-#include "kaloimpresora/impresora.h"
-
-using namespace kalo;
-using namespace kalo::prueba;
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -149,7 +145,10 @@ TEST_P(DialogosDeFechas, DisposicionDelDiseno) {
     });
 }
 
-const Dialogo kDialogos[] = {{u"RangoDeFechas", u"frmParam", true}, {u"FechaDeCorte", u"frmFechaCorte", false}};
+const Dialogo kDialogos[] = {
+    {u"RangoDeFechas", u"frmParam", true},
+    {u"FechaDeCorte", u"frmFechaCorte", false},
+};
 INSTANTIATE_TEST_SUITE_P(, DialogosDeFechas, ::testing::ValuesIn(kDialogos),
                          [](const auto& i) { return QString::fromUtf16(i.param.ventana).toStdString(); });
 

@@ -2,22 +2,16 @@
 // member as a host calls it and through «kaloimpresora cajon». Raw jobs on
 // a print-server queue are in tests/cups.
 
+#include "comun/prueba.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <QProcess>
 #include <QScopeGuard>
-#include <QTemporaryDir>
 #include <future>
-#include <gtest/gtest.h>
 
-#include "comun/utilerias_de_prueba.h"
-#include "kaloimpresora/impresora.h"
+#include "comun/herramienta.h"
 #include "paper/cajon.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -66,10 +60,17 @@ TEST_F(Cajon, LosPuertosDeSiempreLlevanASusDispositivos) {
     const auto existe = [](const QString& r) { return r == u"/dev/usb/lp0"_s || r == u"/dev/usb/lp1"_s; };
     // Port; queue, path, and "+" when a plain file may be created there.
     for (const auto& [puerto, destino] : std::initializer_list<std::pair<QString, QString>>{
-             {u"LPT1"_s, u"|/dev/usb/lp0"_s}, {u"lpt2:"_s, u"|/dev/usb/lp1"_s}, {u"LPT3"_s, u"|/dev/lp2"_s},
-             {u"PRN"_s, u"|/dev/usb/lp0"_s}, {u"COM1"_s, u"|/dev/ttyS0"_s}, {u"com10:"_s, u"|/dev/ttyS9"_s},
-             {u"\\\\caja\\Tickets"_s, u"Tickets|"_s}, {u"Tickets"_s, u"Tickets|Tickets+"_s},
-             {u"/dev/ttyUSB0"_s, u"|/dev/ttyUSB0"_s}, {u"salida/cajon.txt"_s, u"|salida/cajon.txt+"_s}}) {
+             {u"LPT1"_s, u"|/dev/usb/lp0"_s},
+             {u"lpt2:"_s, u"|/dev/usb/lp1"_s},
+             {u"LPT3"_s, u"|/dev/lp2"_s},
+             {u"PRN"_s, u"|/dev/usb/lp0"_s},
+             {u"COM1"_s, u"|/dev/ttyS0"_s},
+             {u"com10:"_s, u"|/dev/ttyS9"_s},
+             {u"\\\\caja\\Tickets"_s, u"Tickets|"_s},
+             {u"Tickets"_s, u"Tickets|Tickets+"_s},
+             {u"/dev/ttyUSB0"_s, u"|/dev/ttyUSB0"_s},
+             {u"salida/cajon.txt"_s, u"|salida/cajon.txt+"_s},
+         }) {
         const cajon::Destino d = cajon::ResuelvePuerto(puerto, existe);
         EXPECT_EQ(d.cola + u'|' + d.ruta + (d.creable ? u"+"_s : QString()), destino) << puerto.toStdString();
     }
@@ -126,11 +127,9 @@ TEST_F(Cajon, LaOrdenDiceEnEspanolPorQueNoSeAbrio) {
         {{fifo}, 13, u"no recibió los bytes en 2 segundos"_s},
     };
     for (const Caso& c : casos) {
-        QProcess p;
-        p.start(QString::fromUtf8(KALO_HERRAMIENTA), QStringList{u"cajon"_s} + c.args);
-        ASSERT_TRUE(p.waitForFinished(30000));
-        const QString salida = QString::fromUtf8(p.readAllStandardOutput() + p.readAllStandardError());
-        EXPECT_EQ(p.exitCode(), c.codigo) << salida.toStdString();
+        const prueba::Salida s = prueba::CorreHerramienta(QStringList{u"cajon"_s} + c.args);
+        const QString salida = s.out + s.err;
+        EXPECT_EQ(s.codigo, c.codigo) << salida.toStdString();
         EXPECT_TRUE(salida.contains(c.mensaje)) << salida.toStdString();
     }
     EXPECT_EQ(Lee(archivo), QByteArray("\x1b@\x80\xf1\r\n"));

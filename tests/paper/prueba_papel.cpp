@@ -4,19 +4,10 @@
 // leaves, read back from the printed file). The print server's side is in
 // tests/cups.
 
-#include <gtest/gtest.h>
+#include "comun/prueba.h"
 
-#include <QTemporaryDir>
-
-#include "comun/impresora_con_grabadores.h"
-#include "comun/lectura_de_reporte.h"
-#include "comun/utilerias_de_prueba.h"
 #include "comun/herramientas_pdf.h"
 #include "target/impresora_sistema.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::ObjetoGrabador;
 
 namespace {
 
@@ -88,9 +79,14 @@ TEST_F(Papel, CadaMetodoPorAutomatizacionQuedaGrabadoConSuTexto) {
     EXPECT_EQ(imp.Paginas, 1);
     llama("AbrirCajonDeDinero", {u"/dev/kalo-sin-cajon"_s, u"x"_s});
     EXPECT_EQ(prueba::Comandos(imp.DB),
-              (QStringList{u"Portrait\r\n"_s, u"LandScape\r\n"_s,
-                           u"PaperSize Fn(\"256\"),Fn(\"4.25\"),Fn(\"6.5\")\r\n"_s, u"RestauraPapel\r\n"_s,
-                           u"EstableceImpresora \"Caja 1\"\r\n"_s, u"EstableceImpresora \"\"\r\n"_s}));
+              (QStringList{
+                  u"Portrait\r\n"_s,
+                  u"LandScape\r\n"_s,
+                  u"PaperSize Fn(\"256\"),Fn(\"4.25\"),Fn(\"6.5\")\r\n"_s,
+                  u"RestauraPapel\r\n"_s,
+                  u"EstableceImpresora \"Caja 1\"\r\n"_s,
+                  u"EstableceImpresora \"\"\r\n"_s,
+              }));
     EXPECT_EQ(imp.nLinea, 6);
 }
 
@@ -135,7 +131,10 @@ TEST_F(Papel, UnaImpresoraQueFallaDejaElTamanoPedidoSinAvisar) {
     // The member the printer lacks, and the style left. Without PaperSize it
     // fails before anything; without ScaleY, in the final form step, after the
     // style was stored and the landscape sizes swapped.
-    for (const auto& [falta, estilo] : {std::pair("PaperSize", u"Tiendanova"), std::pair("ScaleY", u"Caja")}) {
+    for (const auto& [falta, estilo] : {
+             std::pair("PaperSize", u"Tiendanova"),
+             std::pair("ScaleY", u"Caja"),
+         }) {
         SCOPED_TRACE(falta);
         QStringList miembros{u"DeviceName"_s, u"PaperSize"_s, u"Orientation"_s, u"Width"_s, u"Height"_s,
                              u"ScaleMode"_s, u"ScaleWidth"_s, u"ScaleHeight"_s, u"hDC"_s, u"ScaleX"_s, u"ScaleY"_s};

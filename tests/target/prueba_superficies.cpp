@@ -49,8 +49,15 @@ protected:
 
 TEST(Superficies, CadaModoDeEscalaMideLaSuperficieEnSuUnidad) {
     // Mode, and the width and height of 960 x 480 pixels at 96 dpi in it.
-    const std::tuple<int16_t, double, double> casos[] = {{1, 14400, 7200}, {2, 720, 360}, {3, 960, 480}, {4, 120, 30},
-                                                         {5, 10, 5},       {6, 254, 127}, {7, 25.4, 12.7}};
+    const std::tuple<int16_t, double, double> casos[] = {
+        {1, 14400, 7200},
+        {2, 720, 360},
+        {3, 960, 480},
+        {4, 120, 30},
+        {5, 10, 5},
+        {6, 254, 127},
+        {7, 25.4, 12.7},
+    };
     auto s = CreaSuperficieDeImagen(960, 480);
     EXPECT_EQ(s->Lee(u"ScaleMode"_s).entero(), 1) << "a new surface works in twips";
     for (const auto& [modo, ancho, alto] : casos) {
@@ -86,10 +93,18 @@ TEST(Superficies, LoDibujadoCaeEnSusPixeles) {
     const Variant imagen(std::make_shared<Imagen>(cuatro));
     // A box in green ink from 1 to 2 inches, measured across its middle row.
     auto caja = [](std::initializer_list<Variant> linea) {
-        return std::vector<Paso>{{u"=ForeColor"_s, {0x00FF00}}, {u"Line"_s, linea}};
+        return std::vector<Paso>{
+            {u"=ForeColor"_s, {0x00FF00}},
+            {u"Line"_s, linea},
+        };
     };
     auto fila = [](QRgb borde, QRgb interior) {
-        return std::vector<Pixel>{{96, 150, borde}, {192, 150, borde}, {150, 150, interior}, {193, 150, kBlanco}};
+        return std::vector<Pixel>{
+            {96, 150, borde},
+            {192, 150, borde},
+            {150, 150, interior},
+            {193, 150, kBlanco},
+        };
     };
     struct Caso {
         const char* que;
@@ -99,29 +114,67 @@ TEST(Superficies, LoDibujadoCaeEnSusPixeles) {
         std::optional<QRect> todaLaTinta = {};
     } casos[] = {
         {"lineas de un pixel, hasta sus extremos",
-         {{u"Line"_s, {4, 1.0, 2.0, 3.0, 2.0}}, {u"Line"_s, {4, 5.0, 1.0, 5.0, 3.0}}},
-         {{96, 192, kNegro}, {287, 192, kNegro}, {480, 96, kNegro}, {480, 287, kNegro}, {192, 191, kBlanco},
-          {192, 193, kBlanco}, {290, 192, kBlanco}},
+         {
+             {u"Line"_s, {4, 1.0, 2.0, 3.0, 2.0}},
+             {u"Line"_s, {4, 5.0, 1.0, 5.0, 3.0}},
+         },
+         {
+             {96, 192, kNegro},
+             {287, 192, kNegro},
+             {480, 96, kNegro},
+             {480, 287, kNegro},
+             {192, 191, kBlanco},
+             {192, 193, kBlanco},
+             {290, 192, kBlanco},
+         },
          QPointF(5, 3),
          QRect(QPoint(96, 96), QPoint(480, 288))},
         {"escala de usuario sobre la pagina",
-         {{u"Scale"_s, {0.0, 0.0, 8.5, 11.0}}, {u"Line"_s, {38, 7.5, 10.0, 8.5, 11.0, 255}},
-          {u"Line"_s, {4, 4.25, 0.0, 4.25, 11.0}}},
-         {{720, 960, kRojo}, {815, 1055, kRojo}, {719, 959, kBlanco}, {408, 0, kNegro}, {408, 1055, kNegro}},
+         {
+             {u"Scale"_s, {0.0, 0.0, 8.5, 11.0}},
+             {u"Line"_s, {38, 7.5, 10.0, 8.5, 11.0, 255}},
+             {u"Line"_s, {4, 4.25, 0.0, 4.25, 11.0}},
+         },
+         {
+             {720, 960, kRojo},
+             {815, 1055, kRojo},
+             {719, 959, kBlanco},
+             {408, 0, kNegro},
+             {408, 1055, kNegro},
+         },
          QPointF(4.25, 11)},
         {"caja: sin la bandera 2 el color no cuenta", caja({20, 1.0, 1.0, 2.0, 2.0, 255}), fila(kVerde, kBlanco)},
         {"caja llena en rojo", caja({38, 1.0, 1.0, 2.0, 2.0, 255}), fila(kRojo, kRojo)},
         {"caja llena relativa", caja({46, 1.0, 1.0, 1.0, 1.0, 0xFF0000}), fila(kAzul, kAzul), QPointF(2, 2)},
         {"bandera de color sin color: ForeColor", caja({38, 1.0, 1.0, 2.0, 2.0}), fila(kVerde, kVerde)},
         {"Cls limpia con el fondo y vuelve al origen",
-         {{u"Scale"_s, {2.0, 3.0, 10.0, 10.0}}, {u"Line"_s, {38, 2.0, 3.0, 10.0, 10.0, 255}},
-          {u"=BackColor"_s, {0xFF0000}}, {u"=CurrentX"_s, {7.0}}, {u"Cls"_s, {}}},
-         {{0, 0, kAzul}, {815, 1055, kAzul}},
+         {
+             {u"Scale"_s, {2.0, 3.0, 10.0, 10.0}},
+             {u"Line"_s, {38, 2.0, 3.0, 10.0, 10.0, 255}},
+             {u"=BackColor"_s, {0xFF0000}},
+             {u"=CurrentX"_s, {7.0}},
+             {u"Cls"_s, {}},
+         },
+         {
+             {0, 0, kAzul},
+             {815, 1055, kAzul},
+         },
          QPointF(2, 3)},
         {"PaintPicture estira la imagen, o la pone a su tamano",
-         {{u"PaintPicture"_s, {imagen, 1.0, 1.0, 1.0, 1.0}}, {u"PaintPicture"_s, {imagen, 4.0, 4.0}}},
-         {{96, 96, kRojo}, {143, 143, kRojo}, {144, 100, kVerde}, {100, 191, kAzul}, {191, 191, kNegro},
-          {192, 192, kBlanco}, {385, 385, kNegro}, {386, 386, kBlanco}}},
+         {
+             {u"PaintPicture"_s, {imagen, 1.0, 1.0, 1.0, 1.0}},
+             {u"PaintPicture"_s, {imagen, 4.0, 4.0}},
+         },
+         {
+             {96, 96, kRojo},
+             {143, 143, kRojo},
+             {144, 100, kVerde},
+             {100, 191, kAzul},
+             {191, 191, kNegro},
+             {192, 192, kBlanco},
+             {385, 385, kNegro},
+             {386, 386, kBlanco},
+         }},
     };
     for (const Caso& c : casos) {
         SCOPED_TRACE(c.que);
@@ -232,11 +285,20 @@ TEST(Superficies, CirculoYArcoPasanPorSuRadio) {
                 if (i.pixel(x + dx, y + dy) == kRojo) return true;
         return false;
     };
-    const std::tuple<int, int, bool> puntos[] = {{288, 192, true},  {96, 192, true},        {192, 96, true},
-                                                 {192, 288, true},  {192, 192, false},      {150, 150, false},
-                                                 {672, 192, true},  {576, 96, true},
-                                                 {480, 192, false},  // the arc stops at a quarter
-                                                 {576, 288, false}, {192, 576 - 48, true}, {192, 576 - 96, false}};
+    const std::tuple<int, int, bool> puntos[] = {
+        {288, 192, true},
+        {96, 192, true},
+        {192, 96, true},
+        {192, 288, true},
+        {192, 192, false},
+        {150, 150, false},
+        {672, 192, true},
+        {576, 96, true},
+        {480, 192, false},  // the arc stops at a quarter
+        {576, 288, false},
+        {192, 576 - 48, true},
+        {192, 576 - 96, false},
+    };
     for (const auto& [x, y, rojo] : puntos) EXPECT_EQ(cerca(x, y), rojo) << x << "," << y;
     EXPECT_DOUBLE_EQ(Num(s->Lee(u"CurrentX"_s)), 2) << "the position ends at the centre";
 }

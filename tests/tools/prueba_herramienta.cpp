@@ -2,18 +2,13 @@
 // naming file, page and row, and the files it writes.
 
 #include "comun/prueba.h"
-#include <QProcess>
 
+#include "comun/herramienta.h"
 #include "comun/herramientas_pdf.h"
 #include "automation/componentes.h"
 #include "visor.h"
 
 namespace {
-
-struct Salida {
-    int codigo = -1;
-    QString out, err;
-};
 
 class Herramienta : public ::testing::Test {
 protected:
@@ -36,9 +31,7 @@ protected:
     }
 
     Salida Corre(const QStringList& args) {
-        QProcess p;
         auto entorno = QProcessEnvironment::systemEnvironment();
-        entorno.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
         entorno.remove(u"DISPLAY"_s);
         entorno.remove(u"WAYLAND_DISPLAY"_s);
         // Never the machine's printers: the default printer is the PDF one here.
@@ -46,11 +39,7 @@ protected:
         entorno.insert(u"KALO_CARPETA_DE_IMPRESOS"_s, dir.filePath(u"impresos"_s));
         // The registry of components, private to the test.
         entorno.insert(u"XDG_DATA_HOME"_s, dir.filePath(u"datos"_s));
-        p.setProcessEnvironment(entorno);
-        p.start(QString::fromUtf8(KALO_HERRAMIENTA), args);
-        EXPECT_TRUE(p.waitForFinished(60000)) << args.join(u' ').toStdString();
-        return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
-                QString::fromUtf8(p.readAllStandardError())};
+        return CorreHerramienta(args, entorno);
     }
 
     QTemporaryDir dir;

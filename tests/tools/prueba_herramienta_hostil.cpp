@@ -1,33 +1,16 @@
 // The kaloimpresora command on files from a hostile sender: exit codes and
 // warnings, text from the file escaped, messages counted past a hundred.
 
+#include "comun/prueba.h"
+
 #include <sqlite3.h>
 
-#include <gtest/gtest.h>
-#include <QProcess>
-#include <QTemporaryDir>
-
-#include "comun/utilerias_de_prueba.h"
-
-using namespace Qt::StringLiterals;
+#include "comun/herramienta.h"
 
 namespace {
 
-struct Salida {
-    int codigo = -1;
-    QString out, err;
-};
-
-Salida Corre(const QStringList& args) {
-    QProcess p;
-    auto entorno = QProcessEnvironment::systemEnvironment();
-    entorno.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
-    entorno.insert(u"CUPS_SERVER"_s, u"127.0.0.1:1"_s);  // never the machine's printers
-    p.setProcessEnvironment(entorno);
-    p.start(QString::fromUtf8(KALO_HERRAMIENTA), args);
-    EXPECT_TRUE(p.waitForFinished(60000)) << args.join(u' ').toStdString();
-    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()), QString::fromUtf8(p.readAllStandardError())};
-}
+using kalo::prueba::Salida;
+const auto Corre = [](const QStringList& args) { return kalo::prueba::CorreHerramienta(args); };
 
 TEST(HerramientaHostil, RenglonesRepetidosSeAvisanOSeRechazan) {
     QTemporaryDir dir;
