@@ -1,15 +1,12 @@
 // The printer object against a private print server (servidor_cups.sh): the
 // destinations it lists, jobs that reach a queue with their pages, sheet and
-// copies, and the PDF default when there is no destination at all. Then
-// forms, printer selection and the cash drawer: what libcups, lpoptions and
+// copies. Then forms, printer selection and the cash drawer: what libcups, lpoptions and
 // a new process see of the forms, the sheet and queue of later jobs, the
 // drawer's bytes as a raw job.
 //
 // Run as its own program, because the print client library reads
 // CUPS_SERVER, CUPS_SERVERROOT and HOME (where the user's destinations are
-// saved) once: "--sin-servidor" points it at a port where nothing listens
-// and runs only the SinServidor tests; without it a private server is
-// started with the PDF queues "Kalo" (the default) and "PDF", and "Otra", raw.
+// saved) once. A private server is started with the PDF queues "Kalo" (the default) and "PDF", and "Otra", raw.
 
 #include "comun/prueba.h"
 
@@ -17,15 +14,12 @@
 #include <QCoreApplication>
 #include <QProcess>
 #include <QThread>
-#include <cstring>
 
 #include "comun/herramienta.h"
 #include "comun/herramientas_pdf.h"
 #include "target/impresora_sistema.h"
 
 namespace {
-
-bool sinServidor = false;
 
 class ServidorPrivado : public ::testing::Environment {
 public:
@@ -39,11 +33,6 @@ public:
         for (const char* v : {"CUPS_SERVERROOT", "HOME"}) {
             QDir(carpeta).mkpath(QString::fromLatin1(v));
             qputenv(v, QFile::encodeName(dir_.filePath(QString::fromLatin1(v))));
-        }
-        if (sinServidor) {
-            qputenv("CUPS_SERVER", "127.0.0.1:1");  // nothing listens there
-            qputenv("KALO_CARPETA_DE_IMPRESOS", QFile::encodeName(dir_.filePath(u"impresos"_s)));
-            return;
         }
         bool ok = false;
         const QString servidor = Script({u"inicia"_s, carpeta, QString::number(QCoreApplication::applicationPid())},
@@ -86,7 +75,6 @@ QString EsperaTrabajo(int32_t trabajo, const QString& extension = u"pdf"_s) {
 class Cups : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (sinServidor) GTEST_SKIP() << "sin servidor de impresión";
         // A fresh object for the default destination, whatever earlier tests set.
         EstableceImpresoraActual(nullptr);
         impresora = std::dynamic_pointer_cast<ImpresoraDelSistema>(ImpresoraActual());
@@ -210,7 +198,6 @@ Salida Herramienta(const QStringList& args) { return CorreHerramienta(args, QPro
 class Formas : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (sinServidor) GTEST_SKIP() << "sin servidor de impresión";
         BorraFormas();
         EstableceImpresoraActual(nullptr);
     }
@@ -324,42 +311,9 @@ TEST_F(Formas, ElCajonDeUnaColaLlegaComoTrabajoEnBruto) {
     EXPECT_EQ(s.codigo, 0);
 }
 
-class SinServidor : public ::testing::Test {
-protected:
-    void SetUp() override {
-        if (!sinServidor) GTEST_SKIP() << "solo con --sin-servidor";
-    }
-};
-
-TEST_F(SinServidor, LaSalidaVaAUnPdf) {
-    EXPECT_EQ(CLng(ColeccionDeImpresoras()->Lee(u"Count"_s)), 0);
-    EstableceImpresoraActual(nullptr);
-    auto actual = ImpresoraActual();
-    ASSERT_TRUE(actual);
-    EXPECT_EQ(actual->Lee(u"DeviceName"_s).texto(), u"PDF (KaloImpresora)"_s);
-    actual->Llama(u"Print"_s, {u"uno"_s});
-    actual->Llama(u"NewPage"_s);
-    actual->Llama(u"Print"_s, {u"dos"_s});
-    actual->Llama(u"EndDoc"_s);
-    const QString archivo = actual->Lee(u"ArchivoDeSalida"_s).texto();
-    EXPECT_EQ(QFileInfo(archivo).absolutePath(), QDir(ServidorPrivado::carpeta).filePath(u"impresos"_s));
-    const auto datos = LeePdf(archivo);
-    ASSERT_TRUE(datos.legible);
-    EXPECT_EQ(datos.paginas, 2);
-    EXPECT_EQ(datos.tamanos.front(), QSizeF(612, 792));
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--sin-servidor") == 0) {
-            sinServidor = true;
-            std::copy(argv + i + 1, argv + argc, argv + i);
-            --argc;
-            break;
-        }
-    }
     ::testing::InitGoogleTest(&argc, argv);
     ::testing::AddGlobalTestEnvironment(new ServidorPrivado);
     return RUN_ALL_TESTS();

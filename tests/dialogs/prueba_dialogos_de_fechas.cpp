@@ -91,7 +91,9 @@ TEST_P(DialogosDeFechas, LeerTodosDeshabilitaLasFechasPeroSeEscriben) {
     });
     EXPECT_TRUE(imp.Todos);
     EXPECT_EQ(imp.FechaInicial, rango() ? 45293 : kUltimoDeFebrero + 1);
-    if (rango()) EXPECT_EQ(imp.FechaFinal, kUltimoDeFebrero - 1);
+    if (rango()) {
+        EXPECT_EQ(imp.FechaFinal, kUltimoDeFebrero - 1);
+    }
 }
 
 // Cancel and Escape only set Cancelado; the close box writes nothing; a later
