@@ -2,36 +2,6 @@
 
 namespace {
 
-TEST(Impresora, ValoresDeUnObjetoNuevoConSuTipo) {
-    auto imp = CreaObjeto(u"KaloImpresora.Impresora"_s);
-    const std::pair<const char*, Variant> casos[] = {
-        {"FormaAncho", 8.5},
-        {"FormaAlto", 11.0},
-        {"nCol", 80.0},
-        {"nRow", 66.0},
-        {"EstiloImpresion", u"Tiendanova"_s},
-        {"ControlhWndImpresora", int32_t{0}},
-        {"Pantalla", false},
-        {"Archivo", false},
-        {"DB", u""_s},
-        {"Paginas", int32_t{0}},
-        {"nLinea", int32_t{0}},
-        {"PaperOrientation", int16_t{0}},
-        {"PapelAncho", 0.0},
-        {"FechaInicial", Variant::Fecha(0)},
-        {"FechaFinal", Variant::Fecha(0)},
-        {"Imagen1", Variant::Nada()},
-        {"Imagen2", Variant::Nada()},
-        {"ParamData", Variant::Nada()},
-        {"sq", Variant::Nada()},
-        {"Observ", u""_s},
-    };
-    for (const auto& [propiedad, esperado] : casos) {
-        const Variant v = imp->Lee(QString::fromLatin1(propiedad));
-        EXPECT_TRUE(v.identico(esperado)) << propiedad << ": " << CStr(v).toStdString();
-    }
-}
-
 TEST(Impresora, AsignacionesConviertenAlTipoDeLaPropiedad) {
     ConLocal local("en_US");
     Impresora imp;

@@ -158,26 +158,6 @@ TEST(GuionLector, ArchivosQueNoSonReportesSeNombranEnElError) {
     EXPECT_FALSE(QFile::exists(dir.filePath(u"no_existe.rep"_s)));
 }
 
-// Rows written out of order still come out in row order.
-TEST(GuionLector, LosRenglonesSalenEnOrdenDeRow) {
-    QTemporaryDir dir;
-    std::vector<QByteArray> sql = {
-        "CREATE TABLE source( pagina INTEGER, source TEXT, row INTEGER, contenido TEXT, fuente TEXT, "
-        "fsize REAL, nrow REAL, ncol REAL, bold INTEGER, italic INTEGER )"};
-    for (int row : {3, 1, 4, 2})
-        sql.push_back("INSERT INTO source( pagina, row, source, bold ) VALUES ( 1, " + QByteArray::number(row) +
-                      ", 'CurrentX Fn(\"" + QByteArray::number(row) + "\")', " + QByteArray::number(row % 2) + " )");
-    LectorDeReporte lector(BaseHecha(dir, "desordenado.rep", sql));
-    LectorDeReporte::Renglon r;
-    std::vector<int64_t> leidos;
-    while (lector.Siguiente(r)) {
-        EXPECT_EQ(r.source, u"CurrentX Fn(\"%1\")"_s.arg(r.row));
-        EXPECT_EQ(r.bold, r.row % 2 == 1);
-        leidos.push_back(r.row);
-    }
-    EXPECT_EQ(leidos, (std::vector<int64_t>{1, 2, 3, 4}));
-}
-
 // The fixture removes the file DB names at the end; a case that makes
 // another removes it itself.
 using Registro = ConImpresoraYVistaGrabadoras<>;
