@@ -106,25 +106,6 @@ TEST(Despacho, LlamadasPorNombreYPorId) {
     EXPECT_EQ(imp.nRow, 66);
 }
 
-TEST(Despacho, OpcionalesOmitidosTomanSuValorPredeterminado) {
-    const std::tuple<const char*, std::vector<Variant>, size_t, std::vector<std::pair<size_t, Variant>>> casos[] = {
-        {"Bar128", {int16_t{40}, "A1", 0, 0, 1, 1}, 7, {{6, true}}},
-        {"Bar3de9", {int16_t{40}, "A1", 0, 0, 1, 1, Variant::Falta()}, 8, {{6, false}, {7, true}}},
-        {"PaperSize", {5}, 4, {{0, int16_t{5}}, {1, 0.0}, {2, 0.0}, {3, u"Tiendanova"_s}}},
-        {"Codigo39", {1, 1, 15, 600, "ABC"}, 10, {{5, false}, {9, u""_s}}},
-        {"Seleccion", {"Desde", "", Variant::Nada()}, 4, {{3, Variant::Nada()}}},
-        // Typed by-reference parameters take the declared type.
-        {"Copias", {"3"}, 1, {{0, int32_t{3}}}},
-    };
-    for (const auto& [metodo, dados, cuantas, esperados] : casos) {
-        SCOPED_TRACE(metodo);
-        const int32_t id = Impresora().IdDeNombre(QString::fromLatin1(metodo));
-        const auto ranuras = PreparaArgumentos(InterfazDe<Impresora>().PorId(id)->parametros, dados);
-        ASSERT_EQ(ranuras.size(), cuantas);
-        for (const auto& [i, valor] : esperados) EXPECT_TRUE(ranuras[i].identico(valor)) << i;
-    }
-}
-
 TEST(Despacho, PorReferenciaSoloDevuelveLoQueElMiembroCambia) {
     Impresora imp;
     std::tuple<const char*, std::vector<Variant>, Variant, std::vector<Variant>> casos[] = {
