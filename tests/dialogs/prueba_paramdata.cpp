@@ -23,18 +23,6 @@ QStringList Puestas(Objeto& pd) {
     return r;
 }
 
-TEST(ParamData, UnObjetoNuevoEstaVacioYCadaPropiedadEsIndependiente) {
-    auto objeto = CreaObjeto(u"KaloImpresora.ParamData"_s);
-    EXPECT_EQ(Puestas(*objeto), QStringList());
-    auto& pd = dynamic_cast<ParamData&>(*objeto);
-    pd.Asigna(u"Param1"_s, true);
-    pd.Asigna(u"CheckValue"_s, -1);
-    pd.Asigna(u"FechaFinal"_s, Variant::Fecha(45291));
-    EXPECT_TRUE(pd.Param1 && pd.CheckValue);
-    EXPECT_EQ(pd.FechaFinal, 45291);
-    EXPECT_EQ(Puestas(pd).size(), 3);
-}
-
 TEST(ParamData, ParametrosRequeridosTomaCadaRangoSoloConSuConsulta) {
     const Variant f = Variant::Falta();
     std::pair<std::vector<std::vector<Variant>>, QStringList> casos[] = {
