@@ -138,8 +138,6 @@ TEST_F(Texto, RenglonYColumnaDeLaRejilla) {
     // Value, row and column in inches.
     const std::tuple<Variant, double, double> casos[] = {
         {Variant(), 0, 0},
-        {6, 1, 0.6375},
-        {0.5, 0.5 / 6, 0.053125},
         {u"12"_s, 2, 1.275},
     };
     for (const auto& [valor, renglon, columna] : casos) {
