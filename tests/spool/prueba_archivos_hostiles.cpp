@@ -87,6 +87,7 @@ TEST(ArchivosHostiles, LoQueEjecutariaSqlOEstaDanadoSeRechazaConSuMotivo) {
              "CREATE TABLE header( paginas ); CREATE TRIGGER t AFTER INSERT ON header BEGIN DELETE FROM source; END;",
          u"contiene el disparador «t»"},
         {"CREATE VIRTUAL TABLE source USING fts4( pagina, texto, row );", u"contiene la tabla virtual «source»"},
+        {"CREATE TABLE header( paginas INTEGER );", u"no es un archivo de reporte (le falta la tabla source)"},
         {"CREATE TABLE source( pagina, source, row, x AS (length(source)) );", u"no tiene las columnas del componente"},
         {muchas + "COMMIT;", u"está dañado"},  // once its table's pages are scribbled over
     };
@@ -105,6 +106,23 @@ TEST(ArchivosHostiles, LoQueEjecutariaSqlOEstaDanadoSeRechazaConSuMotivo) {
         EXPECT_TRUE(descripcion.contains(QString::fromUtf16(motivo))) << descripcion.toStdString();
         EXPECT_EQ(Huella(dir.path()), antes);
     }
+}
+
+// Not a database at all, or no file: named in the error, and nothing created.
+TEST(ArchivosHostiles, LoQueNoEsUnaBaseDeDatosONoEstaSeNombra) {
+    QTemporaryDir dir;
+    const std::tuple<QString, int32_t, const char16_t*> casos[] = {
+        {Escribe(dir.filePath(u"basura.rep"_s), "SQLite en otro formato"), err::kErrorDeBaseDeDatos,
+         u"no es un archivo de reporte"},
+        {dir.filePath(u"no_existe.rep"_s), err::kArchivoNoEncontrado, u"No se encuentra"},
+    };
+    for (const auto& [archivo, numero, motivo] : casos) {
+        QString descripcion;
+        EXPECT_EQ(NumeroDeError([&] { LectorDeReporte l(archivo); }, &descripcion), numero);
+        EXPECT_TRUE(descripcion.contains(QString::fromUtf16(motivo)) && descripcion.contains(archivo))
+            << descripcion.toStdString();
+    }
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files), QStringList{u"basura.rep"_s});
 }
 
 TEST(ArchivosHostiles, RenglonesGrandesRepetidosOFueraDeOrdenSeLeenPorNumero) {

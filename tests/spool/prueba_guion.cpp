@@ -21,16 +21,6 @@ bool Iguales(const Comando& a, const Comando& b) {
     return a.palabra == b.palabra && Identicos(a.argumentos, b.argumentos);
 }
 
-// A database made by hand, statement by statement.
-QString BaseHecha(const QTemporaryDir& dir, const char* nombre, const std::vector<QByteArray>& sql) {
-    const QString ruta = dir.filePath(QString::fromLatin1(nombre));
-    sqlite3* bd = nullptr;
-    EXPECT_EQ(sqlite3_open(ruta.toUtf8().constData(), &bd), SQLITE_OK);
-    for (const QByteArray& s : sql) sqlite3_exec(bd, s.constData(), nullptr, nullptr, nullptr);
-    sqlite3_close(bd);
-    return ruta;
-}
-
 TEST_F(Guion, CadaRenglonGrabadoSeLeeConLosValoresQueSePasaron) {
     // A comma locale must not change how Fn numbers are read back.
     ConLocal local("es_MX");
@@ -138,24 +128,6 @@ TEST(GuionLeeComando, TextosEscritosAManoTambienSeLeen) {
         ASSERT_TRUE(leido) << error.toStdString();
         EXPECT_TRUE(Iguales(*leido, esperado)) << Describe(*leido) << "\n esperado " << Describe(esperado);
     }
-}
-
-TEST(GuionLector, ArchivosQueNoSonReportesSeNombranEnElError) {
-    QTemporaryDir dir;
-    const std::tuple<QString, int32_t, const char16_t*> casos[] = {
-        {dir.filePath(u"no_existe.rep"_s), err::kArchivoNoEncontrado, u"No se encuentra"},
-        {Escribe(dir.filePath(u"basura.rep"_s), QByteArray(4096, 'x')), err::kErrorDeBaseDeDatos,
-         u"no es un archivo de reporte"},
-        {BaseHecha(dir, "sin_tabla.rep", {"CREATE TABLE header( paginas INTEGER )"}), err::kErrorDeBaseDeDatos,
-         u"le falta la tabla source"},
-    };
-    for (const auto& [archivo, numero, mensaje] : casos) {
-        QString descripcion;
-        EXPECT_EQ(NumeroDeError([&] { LectorDeReporte lector(archivo); }, &descripcion), numero);
-        EXPECT_TRUE(descripcion.contains(QString::fromUtf16(mensaje))) << descripcion.toStdString();
-        EXPECT_TRUE(descripcion.contains(archivo));
-    }
-    EXPECT_FALSE(QFile::exists(dir.filePath(u"no_existe.rep"_s)));
 }
 
 // The fixture removes the file DB names at the end; a case that makes
