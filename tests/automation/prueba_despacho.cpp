@@ -47,7 +47,7 @@ QStringList Listado(Objeto&& nuevo) {
 
 // The published binding hosts compile against, and the values a new object
 // starts with, kept in interfaz_publicada.txt.
-// A mismatch leaves the current listing beside the test binary, to compare.
+// A mismatch leaves the current listing in the working folder, to compare.
 TEST(Despacho, NombresIdsYParametrosSiguenLaInterfazPublicada) {
     const QStringList actual = Listado(Impresora()) + Listado(ParamData());
     QFile publicada(QStringLiteral(KALO_INTERFAZ_PUBLICADA));
