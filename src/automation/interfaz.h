@@ -103,18 +103,22 @@ public:
 
 protected:
     explicit TablaDeMiembros(QString nombreDeClase) { informacion_.nombreDeClase = std::move(nombreDeClase); }
-    void Declara(DescripcionDeMiembro miembro) {
-        porNombreExacto_.insert(miembro.nombre, miembro.dispid);
-        porNombre_.insert(miembro.nombre.toCaseFolded(), miembro.dispid);
-        informacion_.miembros.push_back(std::move(miembro));
-    }
+    void Declara(DescripcionDeMiembro miembro);
 
 private:
-    int32_t BuscaNombre(const QString& nombre) const;
+    // Names are found through our own hash, never qHash: Qt's hash of a short
+    // string leaves the upper vector registers in use, and every SSE
+    // instruction after it (deflate, while the PDF is written) runs up to a
+    // third slower until something clears them.
+    struct Nombre {
+        QString plegado;
+        int32_t id;
+    };
+    void Indexa(uint32_t entrada);
 
     InformacionDeTipo informacion_;
-    QHash<QString, int32_t> porNombreExacto_;
-    QHash<QString, int32_t> porNombre_;
+    std::vector<Nombre> nombres_;
+    std::vector<uint32_t> indice_;  // open addressing; 0 empty, else entry + 1
 };
 
 template <class Clase>

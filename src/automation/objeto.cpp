@@ -1,6 +1,6 @@
 #include <QVarLengthArray>
 #include <algorithm>
-#include <array>
+#include <bit>
 
 #include "automation/interfaz.h"
 #include "kaloimpresora/automatizacion.h"
@@ -14,40 +14,56 @@ void LanzaNoDisponible(const QString& miembro, const QString& origen) {
                                 origen);
 }
 
-int32_t TablaDeMiembros::BuscaNombre(const QString& nombre) const {
-    // Names usually come spelled as declared: no case folding, no allocation.
-    if (auto exacto = porNombreExacto_.constFind(nombre); exacto != porNombreExacto_.cend()) return *exacto;
-    auto it = porNombre_.constFind(nombre.toCaseFolded());
-    return it == porNombre_.cend() ? kDispidDesconocido : *it;
+namespace {
+
+// Case folding one UTF-16 unit at a time, as the names are stored.
+char16_t Pliega(QChar c) {
+    const char16_t u = c.unicode();
+    if (u < 0x80) return (u >= u'A' && u <= u'Z') ? char16_t(u | 0x20) : u;
+    return QChar::toCaseFolded(u);
+}
+
+uint32_t HashPlegado(QStringView texto) {
+    uint32_t h = 2166136261u;
+    for (QChar c : texto) h = (h ^ Pliega(c)) * 16777619u;
+    return h;
+}
+
+}  // namespace
+
+// No table has two names that differ only in case.
+void TablaDeMiembros::Declara(DescripcionDeMiembro miembro) {
+    QString plegado(miembro.nombre.size(), Qt::Uninitialized);
+    std::transform(miembro.nombre.cbegin(), miembro.nombre.cend(), plegado.begin(),
+                   [](QChar c) { return QChar(Pliega(c)); });
+    nombres_.push_back({std::move(plegado), miembro.dispid});
+    informacion_.miembros.push_back(std::move(miembro));
+    if (2 * nombres_.size() > indice_.size()) {
+        indice_.assign(std::bit_ceil(4 * nombres_.size()), 0);
+        for (uint32_t i = 0; i < nombres_.size(); ++i) Indexa(i);
+    } else {
+        Indexa(uint32_t(nombres_.size() - 1));
+    }
+}
+
+void TablaDeMiembros::Indexa(uint32_t entrada) {
+    const size_t mascara = indice_.size() - 1;
+    size_t i = HashPlegado(nombres_[entrada].plegado) & mascara;
+    while (indice_[i] != 0) i = (i + 1) & mascara;
+    indice_[i] = entrada + 1;
 }
 
 int32_t TablaDeMiembros::IdDeNombre(const QString& nombre) const {
-    // Callers ask for the same few names over and over, mostly from the same
-    // literals: a small per-thread cache placed by where the text lives skips
-    // hashing. A hit is checked on the text itself, never on its address alone;
-    // tables are static, so a table's address names it for the whole run.
-    struct Entrada {
-        const TablaDeMiembros* tabla = nullptr;
-        const QChar* donde = nullptr;
-        qsizetype largo = 0;
-        std::array<QChar, 24> texto;
-        int32_t id = kDispidDesconocido;
-    };
-    thread_local std::array<Entrada, 64> cache;
-    const qsizetype largo = nombre.size();
-    if (largo > qsizetype(Entrada{}.texto.size())) return BuscaNombre(nombre);
-    const auto donde = reinterpret_cast<uintptr_t>(nombre.constData());
-    Entrada& e = cache[((donde >> 3) ^ (reinterpret_cast<uintptr_t>(this) >> 4)) % cache.size()];
-    if (e.tabla == this && e.donde == nombre.constData() && e.largo == largo &&
-        std::equal(nombre.cbegin(), nombre.cend(), e.texto.cbegin()))
-        return e.id;
-    const int32_t id = BuscaNombre(nombre);
-    e.tabla = this;
-    e.donde = nombre.constData();
-    e.largo = largo;
-    std::copy(nombre.cbegin(), nombre.cend(), e.texto.begin());
-    e.id = id;
-    return id;
+    if (indice_.empty()) return kDispidDesconocido;
+    const size_t mascara = indice_.size() - 1;
+    for (size_t i = HashPlegado(nombre) & mascara; indice_[i] != 0; i = (i + 1) & mascara) {
+        const Nombre& n = nombres_[indice_[i] - 1];
+        if (n.plegado.size() == nombre.size() &&
+            std::equal(nombre.cbegin(), nombre.cend(), n.plegado.cbegin(),
+                       [](QChar c, QChar plegada) { return Pliega(c) == plegada.unicode(); }))
+            return n.id;
+    }
+    return kDispidDesconocido;
 }
 
 int32_t IdEnTabla(const TablaDeMiembros& tabla, const QString& nombre) { return tabla.IdDeNombre(nombre); }
