@@ -111,6 +111,7 @@ private:
     // instruction after it (deflate, while the PDF is written) runs up to a
     // third slower until something clears them.
     struct Nombre {
+        QString nombre;
         QString plegado;
         int32_t id;
     };
