@@ -27,6 +27,17 @@ int32_t NuevoHdc() {
     return 0x4B490000 + (++serie & 0xFFFF);
 }
 
+// Qt's painting and the deflate that compresses each page run legacy SSE code,
+// which pays on every instruction while the upper halves of the AVX registers
+// are in use; a host (or Qt's own hash of a short string) can leave them so.
+// Clearing them before painting costs one instruction.
+void LimpiaRegistrosVectoriales() {
+#if defined(__x86_64__)
+    static const bool avx = __builtin_cpu_supports("avx");
+    if (avx) asm volatile("vzeroupper");
+#endif
+}
+
 // The sheet as its definition gives it, in twips, before orientation.
 QSizeF DefinicionEnTwips(const QPageSize& hoja) {
     const QSizeF d = hoja.definitionSize();
@@ -66,6 +77,7 @@ void ImpresoraComun::TerminaAlDestruir() noexcept {
 // ---- Job lifecycle -------------------------------------------------------------
 
 QPainter* ImpresoraComun::AbreTrabajo() {
+    LimpiaRegistrosVectoriales();
     if (!TrabajoAbierto()) {
         IniciaTrabajo();
         hdc_ = NuevoHdc();
@@ -80,6 +92,7 @@ void ImpresoraComun::TerminaTrabajo(bool entrega) {
     if (!TrabajoAbierto()) return;
     // Closed before it goes out, so a failure to send leaves no job behind.
     hdc_ = 0;
+    LimpiaRegistrosVectoriales();
     CierraTrabajo(entrega, std::exchange(pagina_, 0));
 }
 

@@ -1,9 +1,5 @@
 #include "comun/prueba.h"
 
-#if defined(__x86_64__)
-#include <cpuid.h>
-#endif
-
 #include "automation/interfaz.h"
 #include "kaloimpresora/paramdata.h"
 
@@ -96,28 +92,6 @@ TEST(Despacho, LlamadasPorNombreYPorId) {
             << miembro;
     EXPECT_EQ(imp.nRow, 66);
 }
-
-#if defined(__x86_64__)
-// Qt's hash of a short string leaves the upper vector registers in use on some
-// processors; a lookup through it slows every SSE instruction that follows.
-TEST(Despacho, BuscarPorNombreNoDejaEnUsoLosRegistrosVectoriales) {
-    unsigned a, b, c, d;
-    // xgetbv 1 reports the state in use; it needs leaf 0xD, subleaf 1, bit 2.
-    if (!__builtin_cpu_supports("avx") || !__get_cpuid_count(0xD, 1, &a, &b, &c, &d) || !(a & 4))
-        GTEST_SKIP() << "el procesador no informa qué estado vectorial está en uso";
-    const auto enUso = [] {
-        unsigned bajo, alto;
-        asm volatile("xgetbv" : "=a"(bajo), "=d"(alto) : "c"(1));
-        return (bajo & 4) != 0;
-    };
-    Impresora imp;
-    for (const QString& nombre : {u"Row"_s, u"linea"_s, u"Say"_s, u"NoExiste"_s}) {
-        asm volatile("vzeroupper");
-        imp.IdDeNombre(nombre);
-        EXPECT_FALSE(enUso()) << nombre.toStdString();
-    }
-}
-#endif
 
 TEST(Despacho, PorReferenciaSoloDevuelveLoQueElMiembroCambia) {
     Impresora imp;

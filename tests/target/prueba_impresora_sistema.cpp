@@ -7,6 +7,10 @@
 
 #include "comun/prueba.h"
 
+#if defined(__x86_64__)
+#include <cpuid.h>
+#endif
+
 #include "comun/herramientas_pdf.h"
 #include "target/impresora_sistema.h"
 
@@ -189,6 +193,20 @@ TEST_F(ImpresoraPdf, ElDibujoLlegaAlPapel) {
         for (int y = 684; y < 684 + 36; ++y)
             if (HayTinta(pagina, x, y, 0)) derecha = x;
     EXPECT_NEAR(derecha, 72 + ancho * 72, 6);
+}
+
+// Left in use by a host (or by Qt's hash of a short string), the upper vector registers slow all
+// of Qt's SSE code, deflate included; drawing clears them.
+TEST_F(ImpresoraPdf, DibujarLimpiaLosRegistrosVectoriales) {
+#if defined(__x86_64__)
+    unsigned a, b, c, d;  // xgetbv 1 tells what is in use: leaf 0xD, subleaf 1, bit 2
+    if (!__builtin_cpu_supports("avx") || !__get_cpuid_count(0xD, 1, &a, &b, &c, &d) || !(a & 4)) GTEST_SKIP();
+    o.Llama(u"Print"_s, {u"Total"_s});  // opening the job happens to clear them
+    asm volatile("vpcmpeqd %%ymm0, %%ymm0, %%ymm0" ::: "xmm0");
+    o.Llama(u"Print"_s, {u"Total"_s});
+    asm volatile("xgetbv" : "=a"(a), "=d"(d) : "c"(1));
+    EXPECT_FALSE(a & 4);
+#endif
 }
 
 TEST(CarpetaDeImpresos, VariableDeEntornoODatosDelUsuario) {
