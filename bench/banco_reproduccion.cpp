@@ -15,7 +15,6 @@
 #include <QTemporaryDir>
 #include <algorithm>
 #include <array>
-#include <span>
 #include <fstream>
 #include <map>
 #include <string>
@@ -127,15 +126,12 @@ struct Grabador {
 };
 
 // A host binding late: every member reached by name through the automation
-// boundary, Row and Col included, as a script host calls them.
+// boundary (Objeto::Llama, as a C++ host calls it), Row and Col included.
 struct Tardio {
     kalo::Objeto& imp;
 
-    kalo::Variant Llama(const QString& miembro, std::initializer_list<kalo::Variant> argumentos,
-                        kalo::Llamada tipo = kalo::Llamada::Metodo) {
-        std::array<kalo::Variant, 5> copia;
-        std::copy(argumentos.begin(), argumentos.end(), copia.begin());
-        return imp.InvocaPorNombre(miembro, tipo, std::span(copia.data(), argumentos.size()));
+    kalo::Variant Llama(const QString& miembro, std::initializer_list<kalo::Variant> argumentos) {
+        return imp.Llama(miembro, argumentos);
     }
     kalo::Variant Renglon(double r) { return Llama(u"Row"_s, {r}); }
     kalo::Variant Columna(double c) { return Llama(u"Col"_s, {c}); }
