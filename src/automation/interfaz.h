@@ -7,6 +7,7 @@
 #include <QHash>
 #include <QVarLengthArray>
 #include <QString>
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <span>
@@ -81,6 +82,8 @@ struct Miembro {
     // parameter, already converted; may change the slots of by-reference
     // parameters. Empty while the member is not available yet.
     std::function<Variant(Clase&, std::span<Variant>)> llama;
+    // Set by the table: every parameter is a by-reference variant.
+    bool soloVariantesPorReferencia = false;
 };
 
 // Fills the slots for a method call: converts supplied arguments, applies
@@ -128,7 +131,10 @@ public:
     explicit Interfaz(QString nombreDeClase, std::vector<Miembro<Clase>> miembros)
         : TablaDeMiembros(std::move(nombreDeClase)), miembros_(std::move(miembros)) {
         for (size_t i = 0; i < miembros_.size(); ++i) {
-            const Miembro<Clase>& m = miembros_[i];
+            Miembro<Clase>& m = miembros_[i];
+            m.soloVariantesPorReferencia = std::all_of(m.parametros.begin(), m.parametros.end(), [](const Parametro& p) {
+                return p.porReferencia && p.tipo == TipoDato::Variante;
+            });
             Declara({m.nombre, m.dispid, m.clase, m.tipo, m.parametros});
             porId_.insert(m.dispid, i);
         }
@@ -169,6 +175,11 @@ public:
         case ClaseDeMiembro::PropiedadDeLectura:
         case ClaseDeMiembro::Metodo: {
             if (!lectura) Lanza(err::kNoAdmitePropiedadOMetodo, origen());
+            // Nothing to convert: the caller's arguments are the slots, as by
+            // reference means (what the member wrote before an error stays).
+            if (m->soloVariantesPorReferencia && m->llama && argumentos.size() == m->parametros.size() &&
+                std::none_of(argumentos.begin(), argumentos.end(), [](const Variant& v) { return v.esFalta(); }))
+                return m->llama(objeto, argumentos);
             RanurasEnLinea ranuras = ConOrigen(origen, [&] { return PreparaArgumentos(m->parametros, argumentos); });
             if (!m->llama) {
                 LanzaNoDisponible(m->nombre, origen());
