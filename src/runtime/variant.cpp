@@ -171,6 +171,9 @@ Variant OperaConMoneda(Operacion op, const Variant& a, const Variant& b) {
 }
 
 Variant Opera(Operacion op, const Variant& izquierda, const Variant& derecha) {
+    // The usual case, positions and scales: two Doubles, what the rest works out for them.
+    if (izquierda.tipo() == TipoVariant::Doble && derecha.tipo() == TipoVariant::Doble && op != Operacion::Cociente)
+        return DeDoble(Aplica(op, izquierda.doble(), derecha.doble()));
     Variant valorA, valorB;
     const Variant& a = SinObjeto(izquierda, valorA);
     const Variant& b = SinObjeto(derecha, valorB);
