@@ -132,9 +132,9 @@ public:
         : TablaDeMiembros(std::move(nombreDeClase)), miembros_(std::move(miembros)) {
         for (size_t i = 0; i < miembros_.size(); ++i) {
             Miembro<Clase>& m = miembros_[i];
-            m.soloVariantesPorReferencia = std::all_of(m.parametros.begin(), m.parametros.end(), [](const Parametro& p) {
-                return p.porReferencia && p.tipo == TipoDato::Variante;
-            });
+            m.soloVariantesPorReferencia =
+                std::all_of(m.parametros.begin(), m.parametros.end(),
+                            [](const Parametro& p) { return p.porReferencia && p.tipo == TipoDato::Variante; });
             Declara({m.nombre, m.dispid, m.clase, m.tipo, m.parametros});
             porId_.insert(m.dispid, i);
         }
